@@ -1,0 +1,9 @@
+// Kalbor400U: the umbrella header. Applications include this and nothing else.
+#ifndef KALBOR_KALBOR_H
+#define KALBOR_KALBOR_H
+
+#include <kalbor/platform.h>
+#include <kalbor/util.h>
+#include <kalbor/memory.h>
+
+#endif  // KALBOR_KALBOR_H

@@ -1,0 +1,43 @@
+// The platform layer on Windows: the Win32 calls the device used.
+#include <windows.h>
+
+#include "platform.h"
+
+namespace ka_platform {
+
+static_assert(sizeof(CRITICAL_SECTION) <= KA_LOCK_RECORD_BYTES, "the lock record must fit Ka_ThreadMutex");
+static_assert(alignof(CRITICAL_SECTION) <= 8, "the lock record must fit Ka_ThreadMutex's alignment");
+
+namespace {
+CRITICAL_SECTION* Record(void* record) { return static_cast<CRITICAL_SECTION*>(record); }
+}  // namespace
+
+void LockInit(void* record) { InitializeCriticalSection(Record(record)); }
+void LockDestroy(void* record) { DeleteCriticalSection(Record(record)); }
+void LockEnter(void* record) { EnterCriticalSection(Record(record)); }
+void LockLeave(void* record) { LeaveCriticalSection(Record(record)); }
+
+uint32_t TickCount() { return static_cast<uint32_t>(::GetTickCount()); }
+
+int LastError() { return static_cast<int>(::GetLastError()); }
+
+void GetLocalTime(LocalTime* out) {
+  SYSTEMTIME st;
+  ::GetLocalTime(&st);
+  out->year = st.wYear;
+  out->month = st.wMonth;
+  out->day = st.wDay;
+  out->weekday = st.wDayOfWeek;
+  out->hour = st.wHour;
+  out->minute = st.wMinute;
+  out->second = st.wSecond;
+  out->millisecond = st.wMilliseconds;
+}
+
+unsigned int AnsiCodePage() { return ::GetACP(); }
+
+void DebugWrite(const ka_wchar* text) {
+  if (text != nullptr) ::OutputDebugStringW(text);
+}
+
+}  // namespace ka_platform

@@ -1,0 +1,107 @@
+// The exported allocation functions and byte helpers.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "memory/block_chain.h"
+
+namespace {
+Ka_BufferData* Header(void* p) { return Ka_BufferData::FromData(p); }
+}  // namespace
+
+TEST(KaMalloc, SizesMapToBlocksAndZeroGivesNull) {
+  EXPECT_EQ(_ka_malloc(0), nullptr);
+  for (int size : {-4, 1, 32, 100, 9000}) {
+    void* p = _ka_malloc(size);
+    ASSERT_NE(p, nullptr) << size;
+    EXPECT_EQ(Header(p)->nRefs, 1);
+    EXPECT_EQ(Header(p)->nAllocLength, Ka_BufferPool::GetBufferGroup(size));
+    ka_free(p);
+  }
+  ka_free(nullptr);  // ignored
+}
+
+TEST(KaMalloc, AMillionPairsLeaveThePoolsAsTheyFoundThem) {
+  // Each freed unit must stop counting as used, or every 256 pairs would
+  // strand a block.
+  Ka_BufferPool& pool32 = ka_detail::SizeClassPool(0);
+  void* warm = _ka_malloc(8);
+  const int blocks = pool32.GetBlockCount();
+  const int used = pool32.GetHeadBlock()->used;
+  for (int i = 0; i < 1000000; ++i) ka_free(_ka_malloc(1 + i % 32));
+  EXPECT_EQ(pool32.GetBlockCount(), blocks);
+  EXPECT_EQ(pool32.GetHeadBlock()->used, used);
+  ka_free(warm);
+  EXPECT_TRUE(pool32.Validate());
+}
+
+TEST(KaMalloc, FreeingASharedOrFreedBlockKeepsThePoolRules) {
+  Ka_BufferPool& pool32 = ka_detail::SizeClassPool(0);
+  void* warm = _ka_malloc(8);  // keeps the head block for the counts below
+  const int used = pool32.GetHeadBlock()->used;
+  void* shared = _ka_malloc(8);
+  Header(shared)->AddRef();  // another owner still holds it
+  ka_free(shared);           // marked free; its block goes on counting it
+  EXPECT_EQ(Header(shared)->nRefs, -1);
+  EXPECT_EQ(pool32.GetHeadBlock()->used, used + 1);
+  ka_free(shared);  // and a second free changes nothing more
+  EXPECT_EQ(pool32.GetHeadBlock()->used, used + 1);
+  ka_free(warm);
+}
+
+TEST(KaRealloc, GrowsKeepsBytesAndNeverShrinks) {
+  EXPECT_EQ(_ka_realloc(nullptr, 0), nullptr);
+  EXPECT_EQ(_ka_realloc(nullptr, -1), nullptr);
+  char* p = static_cast<char*>(_ka_realloc(nullptr, 10));  // null allocates
+  ASSERT_NE(p, nullptr);
+  std::memset(p, 'x', 32);  // the whole capacity
+  EXPECT_EQ(_ka_realloc(p, 32), p);  // fits: unchanged
+  EXPECT_EQ(_ka_realloc(p, 1), p);   // never shrinks
+  EXPECT_EQ(Header(p)->nDataLength, 10);  // and the length word is left alone
+  char* q = static_cast<char*>(_ka_realloc(p, 33));
+  ASSERT_NE(q, nullptr);
+  EXPECT_NE(q, p);
+  EXPECT_EQ(Header(q)->nAllocLength, 64u);
+  for (int i = 0; i < 32; ++i) EXPECT_EQ(q[i], 'x') << i;  // the old capacity came along
+  char* big = static_cast<char*>(_ka_realloc(q, 100000));  // into a heap block
+  ASSERT_NE(big, nullptr);
+  EXPECT_EQ(big[31], 'x');
+  EXPECT_EQ(_ka_realloc(big, 0), nullptr);  // size 0 frees
+}
+
+TEST(KaMemccpy, StopsBeforeTheStopByteComparedAsSignedChar) {
+  const char src[] = {'a', 'b', 0, 'c', static_cast<char>(200), 'd', 'e'};
+  struct { int stop; int count; int copied; } cases[] = {
+      {'z', 0, 0},     // count 0 copies nothing
+      {0, 7, 2},       // up to the first zero byte
+      {'a', 7, 0},     // stop at the first byte: nothing written
+      {200, 7, 7},     // 200 never matches a sign-extended byte (deliberate)
+      {-56, 7, 4},     // ... while -56 does
+      {'z', 5, 5},     // no stop byte: the count ends it
+      {'c', -1, 3},    // negative count: no practical limit
+  };
+  for (auto& c : cases) {
+    char dst[16];
+    std::memset(dst, '#', sizeof(dst));
+    void* end = ka_memccpy(dst, src, c.stop, c.count);
+    EXPECT_EQ(static_cast<char*>(end) - dst, c.copied) << c.stop << "/" << c.count;
+    EXPECT_EQ(std::memcmp(dst, src, c.copied), 0);
+    EXPECT_EQ(dst[c.copied], '#');  // the stop byte itself is not copied
+  }
+  char dst[4];
+  EXPECT_EQ(ka_memccpy(nullptr, src, 0, 4), nullptr);
+  EXPECT_EQ(ka_memccpy(dst, nullptr, 0, 4), dst);
+}
+
+TEST(KaMemnullcmp, ZeroForZeroBytesElseTheFirstOther) {
+  const unsigned char bytes[] = {0, 0, 0, 0, 0, 0, 0, 0, 7, 0xFF};
+  struct { const void* p; int count; int result; } cases[] = {
+      {nullptr, 4, 0},  // null
+      {bytes, 0, 0},    // nothing to compare
+      {bytes, -3, 0},   // negative count
+      {bytes, 8, 0},    // all zero
+      {bytes, 9, 7},    // the first non-zero byte
+      {bytes + 9, 1, 255},  // read unsigned
+  };
+  for (auto& c : cases) EXPECT_EQ(ka_memnullcmp(c.p, c.count), c.result) << c.count;
+}
