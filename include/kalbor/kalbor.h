@@ -5,5 +5,6 @@
 #include <kalbor/platform.h>
 #include <kalbor/util.h>
 #include <kalbor/memory.h>
+#include <kalbor/cstr.h>
 
 #endif  // KALBOR_KALBOR_H
