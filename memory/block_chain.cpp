@@ -27,28 +27,6 @@ const size_t kNotInHeap = ~static_cast<size_t>(0);
 int32_t* CountOf(unsigned char* unit) { return reinterpret_cast<int32_t*>(unit); }
 }  // namespace
 
-// ---- Ka_PtrArray -------------------------------------------------------
-
-Ka_PtrArray::~Ka_PtrArray() { Clear(); }
-
-bool Ka_PtrArray::Reserve(size_t count) {
-  if (count <= m_capacity) return true;
-  size_t grown = m_capacity < 16 ? 16 : m_capacity * 2;
-  if (grown < count) grown = count;
-  void* p = std::realloc(m_items, grown * sizeof(void*));
-  if (p == nullptr) return false;
-  m_items = static_cast<void**>(p);
-  m_capacity = grown;
-  return true;
-}
-
-void Ka_PtrArray::Clear() {
-  std::free(m_items);
-  m_items = nullptr;
-  m_count = 0;
-  m_capacity = 0;
-}
-
 // ---- Ka_Chain ----------------------------------------------------------
 
 Ka_Chain::Ka_Chain(size_t stride, int unitsPerBlock, uint32_t capacity, MarkFreshFn markFresh)
@@ -70,17 +48,26 @@ Ka_Chain::Ka_Chain(size_t stride, int unitsPerBlock, uint32_t capacity, MarkFres
 Ka_Chain::~Ka_Chain() { ReleaseAll(); }
 
 Ka_BlockHeader* Ka_Chain::FirstWithRoom() const {
-  if (m_withRoom.Count() == 0) return nullptr;
-  return static_cast<Ka_BlockRecord*>(m_withRoom.Items()[0])->block;
+  return m_withRoom.Count() > 0 ? m_withRoom.Items()[0].rec->block : nullptr;
+}
+
+size_t Ka_Chain::AddressSlot(uintptr_t at) const {
+  const Ka_AddressEntry* items = m_byAddress.Items();
+  size_t lo = 0, hi = m_byAddress.Count();
+  while (lo < hi) {
+    const size_t mid = (lo + hi) / 2;
+    if (items[mid].start <= at) lo = mid + 1; else hi = mid;
+  }
+  return lo;
 }
 
 Ka_BlockRecord* Ka_Chain::NewBlock() {
   if (m_blockBytes == 0) return nullptr;
-  // Room in both index arrays first, so that a refusal leaves nothing behind.
-  // The heap is sized for every block, since each may come to have room.
+  // Room in both index arrays first, so that a refusal leaves nothing
+  // behind; the heap is sized for every block, since each may come to have room.
   const size_t blocks = m_byAddress.Count() + 1;
   if (!m_byAddress.Reserve(blocks) || !m_withRoom.Reserve(blocks)) return nullptr;
-  size_t recBytes = sizeof(Ka_BlockRecord) + (m_bitWords > 0 ? m_bitWords - 1 : 0) * sizeof(uint64_t);
+  const size_t recBytes = sizeof(Ka_BlockRecord) + (m_bitWords > 0 ? m_bitWords - 1 : 0) * sizeof(uint64_t);
   Ka_BlockRecord* rec = static_cast<Ka_BlockRecord*>(std::malloc(recBytes));
   if (rec == nullptr) return nullptr;
   unsigned char* raw = static_cast<unsigned char*>(std::calloc(1, m_blockBytes));
@@ -106,14 +93,11 @@ Ka_BlockRecord* Ka_Chain::NewBlock() {
   m_tail = block;
 
   // Insert into the address order.
-  void** items = m_byAddress.Items();
-  size_t lo = 0, hi = m_byAddress.Count();
-  while (lo < hi) {
-    size_t mid = (lo + hi) / 2;
-    if (static_cast<Ka_BlockRecord*>(items[mid])->block < block) lo = mid + 1; else hi = mid;
-  }
-  std::memmove(items + lo + 1, items + lo, (m_byAddress.Count() - lo) * sizeof(void*));
-  items[lo] = rec;
+  const uintptr_t start = reinterpret_cast<uintptr_t>(block);
+  const size_t slot = AddressSlot(start);
+  Ka_AddressEntry* items = m_byAddress.Items();
+  std::memmove(items + slot + 1, items + slot, (m_byAddress.Count() - slot) * sizeof(Ka_AddressEntry));
+  items[slot] = Ka_AddressEntry{start, rec};
   m_byAddress.SetCount(m_byAddress.Count() + 1);
 
   if (m_unitCount > 0) HeapPush(rec);
@@ -126,13 +110,9 @@ void Ka_Chain::DestroyBlock(Ka_BlockRecord* rec) {
   if (block->next != nullptr) block->next->prev = block->prev; else m_tail = block->prev;
   if (rec->heapPos != kNotInHeap) HeapRemove(rec);
 
-  void** items = m_byAddress.Items();
-  size_t lo = 0, hi = m_byAddress.Count();
-  while (lo < hi) {
-    size_t mid = (lo + hi) / 2;
-    if (static_cast<Ka_BlockRecord*>(items[mid])->block < block) lo = mid + 1; else hi = mid;
-  }
-  std::memmove(items + lo, items + lo + 1, (m_byAddress.Count() - lo - 1) * sizeof(void*));
+  const size_t slot = AddressSlot(reinterpret_cast<uintptr_t>(block)) - 1;  // the block's own entry
+  Ka_AddressEntry* items = m_byAddress.Items();
+  std::memmove(items + slot, items + slot + 1, (m_byAddress.Count() - slot - 1) * sizeof(Ka_AddressEntry));
   m_byAddress.SetCount(m_byAddress.Count() - 1);
 
   std::free(block);
@@ -142,26 +122,18 @@ void Ka_Chain::DestroyBlock(Ka_BlockRecord* rec) {
 Ka_BlockRecord* Ka_Chain::FindOwner(const unsigned char* unit) const {
   // The last block starting at or below the unit, if the unit is one of its
   // unit starts.
-  void** items = m_byAddress.Items();
-  size_t lo = 0, hi = m_byAddress.Count();
   const uintptr_t at = reinterpret_cast<uintptr_t>(unit);
-  while (lo < hi) {
-    size_t mid = (lo + hi) / 2;
-    if (reinterpret_cast<uintptr_t>(static_cast<Ka_BlockRecord*>(items[mid])->block) <= at) lo = mid + 1;
-    else hi = mid;
-  }
-  if (lo == 0) return nullptr;
-  Ka_BlockRecord* rec = static_cast<Ka_BlockRecord*>(items[lo - 1]);
-  const uintptr_t first = reinterpret_cast<uintptr_t>(rec->firstUnit);
+  const size_t slot = AddressSlot(at);
+  if (slot == 0) return nullptr;
+  const uintptr_t first = m_byAddress.Items()[slot - 1].start + sizeof(Ka_BlockHeader);
   if (at < first) return nullptr;
   const uintptr_t offset = at - first;
   if (offset % m_stride != 0 || offset / m_stride >= m_unitCount) return nullptr;
-  return rec;
+  return m_byAddress.Items()[slot - 1].rec;
 }
 
 unsigned char* Ka_Chain::Take() {
-  Ka_BlockRecord* rec = m_withRoom.Count() > 0 ? static_cast<Ka_BlockRecord*>(m_withRoom.Items()[0])
-                                               : NewBlock();
+  Ka_BlockRecord* rec = m_withRoom.Count() > 0 ? m_withRoom.Items()[0].rec : NewBlock();
   if (rec == nullptr || m_unitCount == 0) return nullptr;
   size_t word = 0;
   while (rec->bits[word] == 0) ++word;  // a block with room has a free unit
@@ -187,11 +159,10 @@ void Ka_Chain::Give(unsigned char* unit) {
 }
 
 void Ka_Chain::ReleaseAll() {
-  void** items = m_byAddress.Items();
+  const Ka_AddressEntry* items = m_byAddress.Items();
   for (size_t i = 0; i < m_byAddress.Count(); ++i) {
-    Ka_BlockRecord* rec = static_cast<Ka_BlockRecord*>(items[i]);
-    std::free(rec->block);
-    std::free(rec);
+    std::free(items[i].rec->block);
+    std::free(items[i].rec);
   }
   m_byAddress.Clear();
   m_withRoom.Clear();
@@ -201,70 +172,59 @@ void Ka_Chain::ReleaseAll() {
 
 // ---- the heap of blocks with room, ordered by sequence number ------------
 
-void Ka_Chain::HeapPlace(Ka_BlockRecord* rec, size_t pos) {
-  m_withRoom.Items()[pos] = rec;
-  rec->heapPos = pos;
+void Ka_Chain::HeapPlace(const Ka_HeapEntry& e, size_t pos) {
+  m_withRoom.Items()[pos] = e;
+  e.rec->heapPos = pos;
 }
 
-void Ka_Chain::HeapSiftUp(size_t pos) {
-  void** h = m_withRoom.Items();
-  Ka_BlockRecord* rec = static_cast<Ka_BlockRecord*>(h[pos]);
+void Ka_Chain::HeapSiftUp(size_t pos, Ka_HeapEntry e) {
+  const Ka_HeapEntry* h = m_withRoom.Items();
   while (pos > 0) {
-    size_t parent = (pos - 1) / 2;
-    Ka_BlockRecord* p = static_cast<Ka_BlockRecord*>(h[parent]);
-    if (p->seq <= rec->seq) break;
-    HeapPlace(p, pos);
+    const size_t parent = (pos - 1) / 2;
+    if (h[parent].seq <= e.seq) break;
+    HeapPlace(h[parent], pos);
     pos = parent;
   }
-  HeapPlace(rec, pos);
+  HeapPlace(e, pos);
 }
 
-void Ka_Chain::HeapSiftDown(size_t pos) {
-  void** h = m_withRoom.Items();
+void Ka_Chain::HeapSiftDown(size_t pos, Ka_HeapEntry e) {
+  const Ka_HeapEntry* h = m_withRoom.Items();
   const size_t n = m_withRoom.Count();
-  Ka_BlockRecord* rec = static_cast<Ka_BlockRecord*>(h[pos]);
   for (;;) {
     size_t child = 2 * pos + 1;
     if (child >= n) break;
-    Ka_BlockRecord* c = static_cast<Ka_BlockRecord*>(h[child]);
-    if (child + 1 < n) {
-      Ka_BlockRecord* c2 = static_cast<Ka_BlockRecord*>(h[child + 1]);
-      if (c2->seq < c->seq) {
-        c = c2;
-        ++child;
-      }
-    }
-    if (rec->seq <= c->seq) break;
-    HeapPlace(c, pos);
+    if (child + 1 < n && h[child + 1].seq < h[child].seq) ++child;
+    if (e.seq <= h[child].seq) break;
+    HeapPlace(h[child], pos);
     pos = child;
   }
-  HeapPlace(rec, pos);
+  HeapPlace(e, pos);
 }
 
 void Ka_Chain::HeapPush(Ka_BlockRecord* rec) {
   // NewBlock reserved a heap place for every block, so this cannot fail.
   const size_t pos = m_withRoom.Count();
   m_withRoom.SetCount(pos + 1);
-  HeapPlace(rec, pos);
-  HeapSiftUp(pos);
+  HeapSiftUp(pos, Ka_HeapEntry{rec->seq, rec});
 }
 
 void Ka_Chain::HeapRemove(Ka_BlockRecord* rec) {
   const size_t pos = rec->heapPos;
   const size_t last = m_withRoom.Count() - 1;
   rec->heapPos = kNotInHeap;
+  const Ka_HeapEntry moved = m_withRoom.Items()[last];
   m_withRoom.SetCount(last);
   if (pos == last) return;
-  Ka_BlockRecord* moved = static_cast<Ka_BlockRecord*>(m_withRoom.Items()[last]);
-  HeapPlace(moved, pos);
-  HeapSiftUp(pos);
-  HeapSiftDown(moved->heapPos);
+  // The last entry fills the hole and moves whichever way its number says.
+  if (pos > 0 && m_withRoom.Items()[(pos - 1) / 2].seq > moved.seq) HeapSiftUp(pos, moved);
+  else HeapSiftDown(pos, moved);
 }
 
 // ---- the validating walker ----------------------------------------------
 
 int Ka_Chain::Validate() const {
-  // Chain links and sequence order.
+  // Chain links.
   size_t blocks = 0;
   const Ka_BlockHeader* prev = nullptr;
   for (const Ka_BlockHeader* b = m_head; b != nullptr; b = b->next) {
@@ -274,17 +234,22 @@ int Ka_Chain::Validate() const {
   }
   if (prev != m_tail || blocks != m_byAddress.Count()) return 0;
 
-  void** items = m_byAddress.Items();
+  // Chain order is sequence order.
+  uint64_t lastSeq = 0;
+  for (const Ka_BlockHeader* b = m_head; b != nullptr; b = b->next) {
+    const size_t slot = AddressSlot(reinterpret_cast<uintptr_t>(b));
+    if (slot == 0 || m_byAddress.Items()[slot - 1].rec->block != b) return 0;
+    const uint64_t seq = m_byAddress.Items()[slot - 1].rec->seq;
+    if (b != m_head && seq <= lastSeq) return 0;
+    lastSeq = seq;
+  }
+
+  const Ka_AddressEntry* items = m_byAddress.Items();
   size_t withRoom = 0;
   for (size_t i = 0; i < m_byAddress.Count(); ++i) {
-    const Ka_BlockRecord* rec = static_cast<const Ka_BlockRecord*>(items[i]);
-    if (i > 0 && !(static_cast<const Ka_BlockRecord*>(items[i - 1])->block < rec->block)) return 0;
-    if (rec->block->next != nullptr) {
-      // The successor's record has a larger sequence number.
-      const Ka_BlockRecord* next = FindOwner(reinterpret_cast<unsigned char*>(rec->block->next) +
-                                             sizeof(Ka_BlockHeader));
-      if (m_unitCount > 0 && (next == nullptr || next->seq <= rec->seq)) return 0;
-    }
+    const Ka_BlockRecord* rec = items[i].rec;
+    if (items[i].start != reinterpret_cast<uintptr_t>(rec->block)) return 0;
+    if (i > 0 && !(items[i - 1].start < items[i].start)) return 0;
     int32_t taken = 0;
     for (size_t u = 0; u < m_unitCount; ++u) {
       const int32_t count = *reinterpret_cast<const int32_t*>(rec->firstUnit + u * m_stride);
@@ -297,12 +262,10 @@ int Ka_Chain::Validate() const {
     if (hasRoom != (rec->heapPos != kNotInHeap)) return 0;
     if (hasRoom) {
       ++withRoom;
-      if (rec->heapPos >= m_withRoom.Count() || m_withRoom.Items()[rec->heapPos] != rec) return 0;
-      if (rec->heapPos > 0) {
-        const Ka_BlockRecord* parent =
-            static_cast<const Ka_BlockRecord*>(m_withRoom.Items()[(rec->heapPos - 1) / 2]);
-        if (parent->seq > rec->seq) return 0;
-      }
+      const Ka_HeapEntry* h = m_withRoom.Items();
+      if (rec->heapPos >= m_withRoom.Count() || h[rec->heapPos].rec != rec || h[rec->heapPos].seq != rec->seq)
+        return 0;
+      if (rec->heapPos > 0 && h[(rec->heapPos - 1) / 2].seq > rec->seq) return 0;
     }
   }
   return withRoom == m_withRoom.Count() ? 1 : 0;

@@ -29,6 +29,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 
 namespace ka_detail {
 
@@ -37,27 +38,59 @@ constexpr size_t RoundToPointer(size_t n) {
   return (n + alignof(void*) - 1) / alignof(void*) * alignof(void*);
 }
 
-// A growable array of pointers on the C heap; reports failure instead of
-// throwing.
-class Ka_PtrArray {
+// A growable array of plain records on the C heap; reports failure instead
+// of throwing.
+template <class T>
+class Ka_PodArray {
  public:
-  Ka_PtrArray() : m_items(nullptr), m_count(0), m_capacity(0) {}
-  ~Ka_PtrArray();
-  Ka_PtrArray(const Ka_PtrArray&) = delete;
-  Ka_PtrArray& operator=(const Ka_PtrArray&) = delete;
+  Ka_PodArray() : m_items(nullptr), m_count(0), m_capacity(0) {}
+  ~Ka_PodArray() { Clear(); }
+  Ka_PodArray(const Ka_PodArray&) = delete;
+  Ka_PodArray& operator=(const Ka_PodArray&) = delete;
   bool Reserve(size_t count);  // false when the heap refuses
-  void** Items() const { return m_items; }
+  T* Items() const { return m_items; }
   size_t Count() const { return m_count; }
   void SetCount(size_t n) { m_count = n; }
-  void Clear();  // frees the storage
+  void Clear() {
+    std::free(m_items);
+    m_items = nullptr;
+    m_count = 0;
+    m_capacity = 0;
+  }
 
  private:
-  void** m_items;
+  T* m_items;
   size_t m_count;
   size_t m_capacity;
 };
 
+template <class T>
+bool Ka_PodArray<T>::Reserve(size_t count) {
+  if (count <= m_capacity) return true;
+  size_t grown = m_capacity < 16 ? 16 : m_capacity * 2;
+  if (grown < count) grown = count;
+  void* p = std::realloc(static_cast<void*>(m_items), grown * sizeof(T));
+  if (p == nullptr) return false;
+  m_items = static_cast<T*>(p);
+  m_capacity = grown;
+  return true;
+}
+
 struct Ka_BlockRecord;
+
+// The address index: block starts in ascending order, each with its record.
+// The keys sit in the array itself, so a search touches no record.
+struct Ka_AddressEntry {
+  uintptr_t start;
+  Ka_BlockRecord* rec;
+};
+// The heap of blocks with room: the sequence number sits beside the record
+// for the same reason.
+struct Ka_HeapEntry {
+  uint64_t seq;
+  Ka_BlockRecord* rec;
+};
+
 
 class Ka_Chain {
  public:
@@ -92,12 +125,13 @@ class Ka_Chain {
  private:
   Ka_BlockRecord* NewBlock();
   void DestroyBlock(Ka_BlockRecord* rec);
+  size_t AddressSlot(uintptr_t at) const;  // entries starting at or below at
   Ka_BlockRecord* FindOwner(const unsigned char* unit) const;
   void HeapPush(Ka_BlockRecord* rec);
   void HeapRemove(Ka_BlockRecord* rec);
-  void HeapSiftUp(size_t pos);
-  void HeapSiftDown(size_t pos);
-  void HeapPlace(Ka_BlockRecord* rec, size_t pos);
+  void HeapSiftUp(size_t pos, Ka_HeapEntry e);
+  void HeapSiftDown(size_t pos, Ka_HeapEntry e);
+  void HeapPlace(const Ka_HeapEntry& e, size_t pos);
 
   size_t m_stride;
   int m_unitsPerBlock;
@@ -110,8 +144,8 @@ class Ka_Chain {
   Ka_BlockHeader* m_head;
   Ka_BlockHeader* m_tail;
   uint64_t m_nextSeq;
-  Ka_PtrArray m_byAddress;  // Ka_BlockRecord*, sorted by block address
-  Ka_PtrArray m_withRoom;   // Ka_BlockRecord*, min-heap by sequence number
+  Ka_PodArray<Ka_AddressEntry> m_byAddress;  // every block, by address
+  Ka_PodArray<Ka_HeapEntry> m_withRoom;      // blocks with room, min-heap by sequence
 };
 
 // The static size-class pool of the given index (0 for 32 bytes .. 8 for

@@ -226,6 +226,35 @@ class KA_API Ka_ObjBufPool {
   ka_detail::Ka_ChainRef m_chain;
 };
 
+// Ka_ListObjHandler: the abstract item handler of the object lists. It owns
+// the object pool that item slots (and string objects made with new) come
+// from, and creates, destroys, assigns and compares the items in them.
+// Copies share one pool (see Ka_ObjBufPool); the pool's blocks go with the
+// last handler that shares them.
+class KA_API Ka_ListObjHandler {
+ public:
+  // The pool is constructed with these three values; allocates nothing.
+  Ka_ListObjHandler(const char* name, int objectSize, int countPerBlock)
+      : m_pool(name, objectSize, countPerBlock) {}
+
+  // The four item operations, in this slot order.
+  // Constructs an empty item in the given object room; returns the object.
+  virtual void* _InitItem(void* object) = 0;
+  // Destroys the item in place (the room goes back to the pool afterwards).
+  virtual void _FreeItem(void* object) = 0;
+  // Gives the existing item target the value of the item source.
+  virtual void _AssignItem(void* target, void* source) = 0;
+  // Negative, zero or positive as item orders before, equal to or after key.
+  virtual int _CompareItem(void* item, void* key) = 0;
+
+  virtual ~Ka_ListObjHandler() {}
+  // The pool of item slots.
+  Ka_ObjBufPool& GetPool() { return m_pool; }
+
+ protected:
+  Ka_ObjBufPool m_pool;
+};
+
 // A block of at least size bytes (data pointer), or null for size 0 or when
 // no memory can be had; negative sizes get a 32-byte block.
 KA_API void* _ka_malloc(int size);
