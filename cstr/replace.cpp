@@ -33,7 +33,7 @@ size_t Substitute(typename T::Char* out, const typename T::Char* text, size_t le
     const size_t before = static_cast<size_t>(hit - in);
     std::memmove(out, in, before * sizeof(Char));
     out += before;
-    std::memmove(out, to, t * sizeof(Char));
+    if (t > 0) std::memmove(out, to, t * sizeof(Char));  // to may be null when t is 0
     out += t;
   }
   CopyTerminated(out, in, static_cast<size_t>(end - in));
