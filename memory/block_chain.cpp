@@ -18,8 +18,11 @@ struct Ka_BlockRecord {
   unsigned char* firstUnit;
   uint64_t seq;      // chain order: later blocks have larger numbers
   size_t heapPos;    // position in the heap of blocks with room, kNotInHeap if full
-  uint64_t bits[1];  // free units, one bit each; really m_bitWords words
+  // The free units, one bit each: the m_bitWords words right after the record.
+  uint64_t* Bits() { return reinterpret_cast<uint64_t*>(this + 1); }
+  const uint64_t* Bits() const { return reinterpret_cast<const uint64_t*>(this + 1); }
 };
+static_assert(sizeof(Ka_BlockRecord) % sizeof(uint64_t) == 0, "the bitmap after a record is aligned");
 
 namespace {
 const size_t kNotInHeap = ~static_cast<size_t>(0);
@@ -67,23 +70,22 @@ Ka_BlockRecord* Ka_Chain::NewBlock() {
   // behind; the heap is sized for every block, since each may come to have room.
   const size_t blocks = m_byAddress.Count() + 1;
   if (!m_byAddress.Reserve(blocks) || !m_withRoom.Reserve(blocks)) return nullptr;
-  const size_t recBytes = sizeof(Ka_BlockRecord) + (m_bitWords > 0 ? m_bitWords - 1 : 0) * sizeof(uint64_t);
-  Ka_BlockRecord* rec = static_cast<Ka_BlockRecord*>(std::malloc(recBytes));
-  if (rec == nullptr) return nullptr;
-  unsigned char* raw = static_cast<unsigned char*>(std::calloc(1, m_blockBytes));
-  if (raw == nullptr) {
-    std::free(rec);
-    return nullptr;
-  }
-  Ka_BlockHeader* block = reinterpret_cast<Ka_BlockHeader*>(raw);
+  // One heap allocation holds the record and, right after it, the block
+  // itself, so that the record and the block header share neighbouring cache
+  // lines. The block's own bytes are exactly m_blockBytes.
+  const size_t recBytes = RoundToPointer(sizeof(Ka_BlockRecord) + m_bitWords * sizeof(uint64_t));
+  if (m_blockBytes > SIZE_MAX - recBytes) return nullptr;
+  unsigned char* raw = static_cast<unsigned char*>(std::calloc(1, recBytes + m_blockBytes));
+  if (raw == nullptr) return nullptr;
+  Ka_BlockRecord* rec = reinterpret_cast<Ka_BlockRecord*>(raw);
+  Ka_BlockHeader* block = reinterpret_cast<Ka_BlockHeader*>(raw + recBytes);
   rec->block = block;
-  rec->firstUnit = raw + sizeof(Ka_BlockHeader);
+  rec->firstUnit = raw + recBytes + sizeof(Ka_BlockHeader);
   rec->seq = m_nextSeq++;
   rec->heapPos = kNotInHeap;
-  std::memset(rec->bits, 0, (m_bitWords > 0 ? m_bitWords : 1) * sizeof(uint64_t));
   for (size_t i = 0; i < m_unitCount; ++i) {
     m_markFresh(rec->firstUnit + i * m_stride, m_capacity);
-    rec->bits[i / 64] |= uint64_t(1) << (i % 64);
+    rec->Bits()[i / 64] |= uint64_t(1) << (i % 64);
   }
 
   // Link at the end of the chain.
@@ -115,11 +117,10 @@ void Ka_Chain::DestroyBlock(Ka_BlockRecord* rec) {
   std::memmove(items + slot, items + slot + 1, (m_byAddress.Count() - slot - 1) * sizeof(Ka_AddressEntry));
   m_byAddress.SetCount(m_byAddress.Count() - 1);
 
-  std::free(block);
-  std::free(rec);
+  std::free(rec);  // the block goes with it
 }
 
-Ka_BlockRecord* Ka_Chain::FindOwner(const unsigned char* unit) const {
+Ka_BlockRecord* Ka_Chain::FindOwner(const unsigned char* unit, size_t* index) const {
   // The last block starting at or below the unit, if the unit is one of its
   // unit starts.
   const uintptr_t at = reinterpret_cast<uintptr_t>(unit);
@@ -128,7 +129,9 @@ Ka_BlockRecord* Ka_Chain::FindOwner(const unsigned char* unit) const {
   const uintptr_t first = m_byAddress.Items()[slot - 1].start + sizeof(Ka_BlockHeader);
   if (at < first) return nullptr;
   const uintptr_t offset = at - first;
-  if (offset % m_stride != 0 || offset / m_stride >= m_unitCount) return nullptr;
+  const uintptr_t i = offset / m_stride;
+  if (i * m_stride != offset || i >= m_unitCount) return nullptr;
+  *index = static_cast<size_t>(i);
   return m_byAddress.Items()[slot - 1].rec;
 }
 
@@ -136,9 +139,9 @@ unsigned char* Ka_Chain::Take() {
   Ka_BlockRecord* rec = m_withRoom.Count() > 0 ? m_withRoom.Items()[0].rec : NewBlock();
   if (rec == nullptr || m_unitCount == 0) return nullptr;
   size_t word = 0;
-  while (rec->bits[word] == 0) ++word;  // a block with room has a free unit
-  const size_t index = word * 64 + ka_lowest_bit64(rec->bits[word]);
-  rec->bits[word] &= rec->bits[word] - 1;
+  while (rec->Bits()[word] == 0) ++word;  // a block with room has a free unit
+  const size_t index = word * 64 + ka_lowest_bit64(rec->Bits()[word]);
+  rec->Bits()[word] &= rec->Bits()[word] - 1;
   if (++rec->block->used >= m_unitsPerBlock) HeapRemove(rec);
   unsigned char* unit = rec->firstUnit + index * m_stride;
   ka_interlocked_write(CountOf(unit), 1);
@@ -146,12 +149,12 @@ unsigned char* Ka_Chain::Take() {
 }
 
 void Ka_Chain::Give(unsigned char* unit) {
-  Ka_BlockRecord* rec = FindOwner(unit);
+  size_t index;
+  Ka_BlockRecord* rec = FindOwner(unit, &index);
   if (rec == nullptr) return;  // not a unit of this chain: ignored
-  const size_t index = static_cast<size_t>(unit - rec->firstUnit) / m_stride;
   const int32_t old = ka_interlocked_read(CountOf(unit));
   ka_interlocked_write(CountOf(unit), -1);
-  rec->bits[index / 64] |= uint64_t(1) << (index % 64);
+  rec->Bits()[index / 64] |= uint64_t(1) << (index % 64);
   if (old != 0) return;  // a second free, or a free at a positive count (deliberate)
   Ka_BlockHeader* block = rec->block;
   if (block->used-- == m_unitsPerBlock) HeapPush(rec);
@@ -161,8 +164,7 @@ void Ka_Chain::Give(unsigned char* unit) {
 void Ka_Chain::ReleaseAll() {
   const Ka_AddressEntry* items = m_byAddress.Items();
   for (size_t i = 0; i < m_byAddress.Count(); ++i) {
-    std::free(items[i].rec->block);
-    std::free(items[i].rec);
+    std::free(items[i].rec);  // the block goes with it
   }
   m_byAddress.Clear();
   m_withRoom.Clear();
@@ -253,7 +255,7 @@ int Ka_Chain::Validate() const {
     int32_t taken = 0;
     for (size_t u = 0; u < m_unitCount; ++u) {
       const int32_t count = *reinterpret_cast<const int32_t*>(rec->firstUnit + u * m_stride);
-      const bool freeBit = (rec->bits[u / 64] >> (u % 64)) & 1;
+      const bool freeBit = (rec->Bits()[u / 64] >> (u % 64)) & 1;
       if (freeBit != (count < 0)) return 0;
       if (count >= 0) ++taken;
     }

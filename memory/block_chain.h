@@ -126,7 +126,8 @@ class Ka_Chain {
   Ka_BlockRecord* NewBlock();
   void DestroyBlock(Ka_BlockRecord* rec);
   size_t AddressSlot(uintptr_t at) const;  // entries starting at or below at
-  Ka_BlockRecord* FindOwner(const unsigned char* unit) const;
+  // The record of the block whose unit index *index starts at unit, or null.
+  Ka_BlockRecord* FindOwner(const unsigned char* unit, size_t* index) const;
   void HeapPush(Ka_BlockRecord* rec);
   void HeapRemove(Ka_BlockRecord* rec);
   void HeapSiftUp(size_t pos, Ka_HeapEntry e);

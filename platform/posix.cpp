@@ -1,7 +1,8 @@
-// The platform layer on POSIX systems: a recursive pthread mutex, the
-// monotonic clock, localtime_r, errno and standard error.
+// The platform layer on POSIX systems: the lock record, the monotonic clock,
+// localtime_r, errno and standard error.
 #include <errno.h>
 #include <pthread.h>
+#include <sched.h>
 #include <time.h>
 
 #include <cstdio>
@@ -12,23 +13,55 @@
 
 namespace ka_platform {
 
-static_assert(sizeof(pthread_mutex_t) <= KA_LOCK_RECORD_BYTES, "the lock record must fit Ka_ThreadMutex");
-static_assert(alignof(pthread_mutex_t) <= 8, "the lock record must fit Ka_ThreadMutex's alignment");
+// The lock record: a re-entrant lock that costs one atomic exchange to take
+// and one release store to leave when nobody else wants it. A waiting thread
+// spins briefly on a plain read and then yields its processor until the
+// lock is free. The pools hold it for a few dozen instructions at a time,
+// so waits are short.
+struct LockRecord {
+  int32_t held;     // 1 while some thread owns the lock
+  int32_t depth;    // how often the owner has entered; touched by the owner only
+  uintptr_t owner;  // the owning thread, 0 when free; read by others only to compare
+};
+static_assert(sizeof(LockRecord) <= KA_LOCK_RECORD_BYTES, "the lock record must fit Ka_ThreadMutex");
+static_assert(alignof(LockRecord) <= 8, "the lock record must fit Ka_ThreadMutex's alignment");
 
 namespace {
-pthread_mutex_t* Record(void* record) { return static_cast<pthread_mutex_t*>(record); }
+LockRecord* Record(void* record) { return static_cast<LockRecord*>(record); }
+
+uintptr_t Self() {
+  static_assert(sizeof(pthread_t) <= sizeof(uintptr_t), "a thread handle fits a word");
+  const pthread_t self = pthread_self();
+  uintptr_t id = 0;
+  std::memcpy(&id, &self, sizeof(self));
+  return id;
+}
 }  // namespace
 
-void LockInit(void* record) {
-  pthread_mutexattr_t attr;
-  pthread_mutexattr_init(&attr);
-  pthread_mutexattr_settype(&attr, PTHREAD_MUTEX_RECURSIVE);
-  pthread_mutex_init(Record(record), &attr);
-  pthread_mutexattr_destroy(&attr);
+void LockInit(void* record) { std::memset(record, 0, sizeof(LockRecord)); }
+void LockDestroy(void*) {}
+
+void LockEnter(void* record) {
+  LockRecord* r = Record(record);
+  const uintptr_t self = Self();
+  if (__atomic_load_n(&r->owner, __ATOMIC_RELAXED) == self) {
+    ++r->depth;  // re-entry by the owner
+    return;
+  }
+  while (__atomic_exchange_n(&r->held, 1, __ATOMIC_ACQUIRE) != 0) {
+    for (int spins = 0; __atomic_load_n(&r->held, __ATOMIC_RELAXED) != 0; ++spins)
+      if (spins >= 64) sched_yield();
+  }
+  __atomic_store_n(&r->owner, self, __ATOMIC_RELAXED);
+  r->depth = 1;
 }
-void LockDestroy(void* record) { pthread_mutex_destroy(Record(record)); }
-void LockEnter(void* record) { pthread_mutex_lock(Record(record)); }
-void LockLeave(void* record) { pthread_mutex_unlock(Record(record)); }
+
+void LockLeave(void* record) {
+  LockRecord* r = Record(record);
+  if (--r->depth > 0) return;
+  __atomic_store_n(&r->owner, uintptr_t(0), __ATOMIC_RELAXED);
+  __atomic_store_n(&r->held, 0, __ATOMIC_RELEASE);
+}
 
 uint32_t TickCount() {
   struct timespec ts;
