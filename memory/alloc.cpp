@@ -5,7 +5,6 @@
 #include <cstring>
 
 void* _ka_malloc(int size) {
-  if (size == 0) return nullptr;
   Ka_BufferData* d = Ka_BufferPool::AllocBuffer(size);
   return d != nullptr ? d->data() : nullptr;
 }

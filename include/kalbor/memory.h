@@ -255,8 +255,8 @@ class KA_API Ka_ListObjHandler {
   Ka_ObjBufPool m_pool;
 };
 
-// A block of at least size bytes (data pointer), or null for size 0 or when
-// no memory can be had; negative sizes get a 32-byte block.
+// The data pointer of AllocBuffer(size): at least size bytes, a 32-byte unit
+// for 0 and negative sizes; null only when no memory can be had.
 KA_API void* _ka_malloc(int size);
 // Frees a block of _ka_malloc/_ka_realloc/_ka_strdup whatever its reference
 // count; null is ignored. A pointer from elsewhere must not be passed.

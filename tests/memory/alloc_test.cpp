@@ -9,13 +9,13 @@ namespace {
 Ka_BufferData* Header(void* p) { return Ka_BufferData::FromData(p); }
 }  // namespace
 
-TEST(KaMalloc, SizesMapToBlocksAndZeroGivesNull) {
-  EXPECT_EQ(_ka_malloc(0), nullptr);
-  for (int size : {-4, 1, 32, 100, 9000}) {
+TEST(KaMalloc, EverySizeGetsABlockOfItsGroup) {
+  for (int size : {0, -4, 1, 32, 100, 9000}) {  // 0 and negative get a 32-byte unit
     void* p = _ka_malloc(size);
     ASSERT_NE(p, nullptr) << size;
     EXPECT_EQ(Header(p)->nRefs, 1);
-    EXPECT_EQ(Header(p)->nAllocLength, Ka_BufferPool::GetBufferGroup(size));
+    EXPECT_EQ(Header(p)->nAllocLength, size == 0 ? 32u : Ka_BufferPool::GetBufferGroup(size));
+    EXPECT_EQ(Header(p)->nDataLength, size);
     ka_free(p);
   }
   ka_free(nullptr);  // ignored
