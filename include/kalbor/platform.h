@@ -55,7 +55,7 @@ inline void ka_interlocked_write(volatile int32_t* p, int32_t v) {
 }
 
 // Bytes reserved inside Ka_ThreadMutex for the platform's lock record
-// (CRITICAL_SECTION on Windows, a recursive pthread mutex elsewhere); the
+// (CRITICAL_SECTION on Windows, a re-entrant spin-then-yield lock elsewhere); the
 // platform sources check that their record fits.
 #define KA_LOCK_RECORD_BYTES 64
 
