@@ -2,10 +2,14 @@
 //
 // A Searcher is made once per pattern and finds the leftmost occurrence in
 // any counted text; the replace and count functions reuse it along the whole
-// text. Short texts and short patterns scan for the first character (memchr
-// for narrow text, both cases when letters match either case) and compare
-// the rest; longer patterns on longer texts use Horspool's shift table,
-// which reads about one character in m. Either way the leftmost match wins.
+// text. A one-character pattern, and any pattern on a short text, is found by
+// scanning for its first character (memchr for narrow text; both cases when
+// letters match either case) and comparing the rest. Longer texts go through
+// a first-and-last filter: for a block of candidate starts at a time, a loop
+// without branches (which the compiler turns into vector code) flags the
+// starts whose first and last characters both match, and only those are
+// compared in full. Either way the leftmost match wins; the cost is linear
+// in the text unless the text is full of near-matches of a long pattern.
 #ifndef KALBOR_CSTR_SEARCH_H
 #define KALBOR_CSTR_SEARCH_H
 
@@ -21,26 +25,29 @@ template <class T, bool kFold>
 class Searcher {
  public:
   typedef typename T::Char Char;
+  typedef typename T::UChar UChar;
 
   // pat: m characters (m >= 1), kept by pointer.
-  Searcher(const Char* pat, size_t m) : m_pat(pat), m_len(m), m_tableReady(false) {}
+  Searcher(const Char* pat, size_t m)
+      : m_pat(pat), m_len(m), m_first(Key(pat[0])), m_last(Key(pat[m - 1])) {}
 
   // The leftmost occurrence in the n characters at s, or null.
-  const Char* Find(const Char* s, size_t n) {
+  const Char* Find(const Char* s, size_t n) const {
     if (m_len > n) return nullptr;
-    if (m_len < kMinShiftPattern || n < kMinShiftText) return ScanFirst(s, n);
-    return Horspool(s, n);
+    if (m_len == 1) return ScanFirst(s, n);
+    return Filter(s, n);
   }
 
  private:
-  // Below these sizes building the shift table costs more than it saves.
-  static const size_t kMinShiftPattern = 4;
-  static const size_t kMinShiftText = 256;
-  static const unsigned kMaxShift = 255;
+  // Candidate starts examined together by the filter.
+  static const size_t kBlock = 64;
 
-  static int Key(Char c) {
-    const int v = static_cast<int>(T::Unit(c));
-    return kFold ? AsciiLower(v) : v;
+  // The character as an unsigned number, lower-cased when folding. Kept in
+  // the character's own width so that the filter's vector code stays narrow.
+  static UChar Key(Char c) {
+    const UChar u = static_cast<UChar>(c);
+    if (!kFold) return u;
+    return static_cast<UChar>(u | (static_cast<UChar>(u - 'A') < 26 ? 0x20 : 0));
   }
   static bool Same(const Char* a, const Char* b, size_t n) {
     if (!kFold) return std::memcmp(a, b, n * sizeof(Char)) == 0;
@@ -51,64 +58,60 @@ class Searcher {
 
   // First-character scan: each candidate found with T::Find, then compared.
   const Char* ScanFirst(const Char* s, size_t n) const {
-    const Char first = m_pat[0];
+    if (m_len > n) return nullptr;
     const Char* const last = s + (n - m_len);  // the last possible start
     const size_t rest = m_len - 1;
-    const int k = Key(first);
-    if (!kFold || !IsAsciiLetter(k)) {
+    const Char first = m_pat[0];
+    const UChar lower = m_first;
+    const UChar upper = static_cast<UChar>(kFold && lower >= 'a' && lower <= 'z' ? lower - 0x20 : lower);
+    if (lower == upper) {
       for (const Char* p = s; p <= last; ++p) {
-        p = T::Find(p, static_cast<size_t>(last - p) + 1, first);
+        p = T::Find(p, static_cast<size_t>(last - p) + 1, kFold ? static_cast<Char>(lower) : first);
         if (p == nullptr) return nullptr;
         if (Same(p + 1, m_pat + 1, rest)) return p;
       }
       return nullptr;
     }
     // A letter: follow the next lower-case and the next upper-case candidate.
-    const Char lower = static_cast<Char>(AsciiLower(k));
-    const Char upper = static_cast<Char>(AsciiUpper(k));
-    const Char* nextLower = T::Find(s, n - m_len + 1, lower);
-    const Char* nextUpper = T::Find(s, n - m_len + 1, upper);
+    const Char* nextLower = T::Find(s, n - m_len + 1, static_cast<Char>(lower));
+    const Char* nextUpper = T::Find(s, n - m_len + 1, static_cast<Char>(upper));
     while (nextLower != nullptr || nextUpper != nullptr) {
       const Char* p = nextUpper == nullptr || (nextLower != nullptr && nextLower < nextUpper) ? nextLower : nextUpper;
       if (Same(p + 1, m_pat + 1, rest)) return p;
       const size_t left = static_cast<size_t>(last - p);  // candidates after p
       if (p == nextLower)
-        nextLower = left == 0 ? nullptr : T::Find(p + 1, left, lower);
+        nextLower = left == 0 ? nullptr : T::Find(p + 1, left, static_cast<Char>(lower));
       else
-        nextUpper = left == 0 ? nullptr : T::Find(p + 1, left, upper);
+        nextUpper = left == 0 ? nullptr : T::Find(p + 1, left, static_cast<Char>(upper));
     }
     return nullptr;
   }
 
-  // Horspool: the window's last character picks the shift. The table is
-  // indexed by the low byte of the (folded) character, so wide units that
-  // share a low byte share the smallest of their shifts, which stays safe.
-  const Char* Horspool(const Char* s, size_t n) {
-    if (!m_tableReady) BuildTable();
+  // The first-and-last filter over whole blocks of starts; the starts left
+  // over at the end go to the first-character scan.
+  const Char* Filter(const Char* s, size_t n) const {
     const size_t lastIndex = m_len - 1;
-    const int lastKey = Key(m_pat[lastIndex]);
-    for (size_t pos = 0; pos <= n - m_len;) {
-      const int k = Key(s[pos + lastIndex]);
-      if (k == lastKey && Same(s + pos, m_pat, lastIndex)) return s + pos;
-      pos += m_shift[k & 0xFF];
+    const size_t starts = n - lastIndex;
+    size_t i = 0;
+    for (; i + kBlock <= starts; i += kBlock) {
+      unsigned char flags[kBlock];
+      for (size_t j = 0; j < kBlock; ++j)
+        flags[j] = static_cast<unsigned char>((Key(s[i + j]) == m_first) & (Key(s[i + j + lastIndex]) == m_last));
+      uint64_t words[kBlock / 8];
+      std::memcpy(words, flags, sizeof(flags));
+      for (size_t w = 0; w < kBlock / 8; ++w) {
+        if (words[w] == 0) continue;  // eight starts without a candidate
+        for (size_t j = w * 8; j < w * 8 + 8; ++j)
+          if (flags[j] != 0 && Same(s + i + j + 1, m_pat + 1, lastIndex - 1)) return s + i + j;
+      }
     }
-    return nullptr;
-  }
-
-  void BuildTable() {
-    const unsigned whole = m_len < kMaxShift ? static_cast<unsigned>(m_len) : kMaxShift;
-    std::memset(m_shift, static_cast<int>(whole), sizeof(m_shift));
-    for (size_t i = 0; i + 1 < m_len; ++i) {
-      const size_t d = m_len - 1 - i;
-      m_shift[Key(m_pat[i]) & 0xFF] = static_cast<uint8_t>(d < kMaxShift ? d : kMaxShift);
-    }
-    m_tableReady = true;
+    return ScanFirst(s + i, n - i);
   }
 
   const Char* m_pat;
   size_t m_len;
-  bool m_tableReady;
-  uint8_t m_shift[256];
+  UChar m_first;  // Key of the first character
+  UChar m_last;   // Key of the last character
 };
 
 }  // namespace ka_cstr

@@ -5,8 +5,8 @@
 // traits are the only place where narrow and wide text differ. Each traits
 // type has the same members:
 //   Char           the character type
+//   UChar          the unsigned integer type of the same width
 //   Value(c)       the value a comparison sees and subtracts
-//   Unit(c)        the character as an unsigned number (for tables)
 //   Diff(v)        what a compared value counts as in a returned difference
 //   Length(s)      characters before the terminator of a non-null s
 //   Find(s, n, c)  the first of the n characters at s equal to c, or null;
@@ -24,10 +24,10 @@ namespace ka_cstr {
 // 8-bit text.
 struct NarrowText {
   typedef char Char;
+  typedef unsigned char UChar;
   // Narrow characters compare and subtract as signed 8-bit values: bytes
   // 0x80-0xFF are negative and sort before ASCII (deliberate).
   static int Value(Char c) { return static_cast<signed char>(c); }
-  static unsigned Unit(Char c) { return static_cast<unsigned char>(c); }
   static int Diff(int v) { return v; }
   static size_t Length(const Char* s) { return std::strlen(s); }
   static const Char* Find(const Char* s, size_t n, Char c) {
@@ -38,12 +38,19 @@ struct NarrowText {
 // 16-bit text: units compare and subtract as unsigned values 0..65535.
 struct WideText {
   typedef ka_wchar Char;
+  typedef uint16_t UChar;
   static int Value(Char c) { return static_cast<int>(static_cast<uint16_t>(c)); }
-  static unsigned Unit(Char c) { return static_cast<uint16_t>(c); }
   static int Diff(int v) { return v; }
+  // Unrolled so that the common case tests four units per loop; each unit
+  // is read only once the ones before it were found non-zero.
   static size_t Length(const Char* s) {
     const Char* p = s;
-    while (*p != 0) ++p;
+    for (;; p += 4) {
+      if (p[0] == 0) break;
+      if (p[1] == 0) return static_cast<size_t>(p + 1 - s);
+      if (p[2] == 0) return static_cast<size_t>(p + 2 - s);
+      if (p[3] == 0) return static_cast<size_t>(p + 3 - s);
+    }
     return static_cast<size_t>(p - s);
   }
   static const Char* Find(const Char* s, size_t n, Char c) {
@@ -60,8 +67,8 @@ struct WideText {
 // still yields 0. Both halves are deliberate.
 struct NarrowInWideText {
   typedef char Char;
+  typedef unsigned char UChar;
   static int Value(Char c) { return static_cast<signed char>(c); }
-  static unsigned Unit(Char c) { return static_cast<unsigned char>(c); }
   static int Diff(int v) { return v & 0xFFFF; }
   static size_t Length(const Char* s) { return NarrowText::Length(s); }
   static const Char* Find(const Char* s, size_t n, Char c) { return NarrowText::Find(s, n, c); }

@@ -66,7 +66,7 @@ TYPED_TEST(Search, CountIsNonOverlappingAndFiniteForEmptyPatterns) {
 }
 
 // Leftmost match and non-overlapping count by the obvious method, to check
-// the fast paths (first-character scan and shift table) against.
+// the fast paths (first-character scan and block filter) against.
 template <class C>
 size_t NaiveFind(const std::basic_string<C>& s, const std::basic_string<C>& p, size_t from, bool fold) {
   auto key = [fold](C c) { return fold && c >= 'A' && c <= 'Z' ? c + 32 : static_cast<int>(c); };
@@ -83,7 +83,7 @@ void CheckAgainstNaive(const std::vector<C>& alphabet, C* (*find)(const C*, cons
                        int (*count)(const C*, const C*)) {
   std::mt19937 rng(12345);
   for (int round = 0; round < 3000; ++round) {
-    // Short and long texts (long ones take the shift table), short and long
+    // Short and long texts (long ones take the block filter), short and long
     // patterns, from a small alphabet so that near-matches abound.
     const size_t len = round % 3 == 0 ? rng() % 20 : 200 + rng() % 400;
     const size_t m = 1 + rng() % 9;
@@ -104,7 +104,8 @@ void CheckAgainstNaive(const std::vector<C>& alphabet, C* (*find)(const C*, cons
 }
 
 TEST(SearchModel, NarrowCaseInsensitiveAndCountMatchTheObviousMethod) {
-  CheckAgainstNaive<char>({'a', 'A', 'b', 'B', '['}, ka_stristrA, true, ka_countstrA);
+  // 0xC1 and 0xE1 are a letter pair only in Latin-1: they must stay apart.
+  CheckAgainstNaive<char>({'a', 'A', 'b', 'B', '[', '\xC1', '\xE1'}, ka_stristrA, true, ka_countstrA);
 }
 
 TEST(SearchModel, WideExactAndCaseInsensitiveMatchTheObviousMethod) {
