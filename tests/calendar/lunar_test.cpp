@@ -1,0 +1,144 @@
+// Lunar conversion: the documented results, every day of the table's walk
+// against the month lengths of the calendar's text source (read here by the
+// test itself), and the limits of the walk.
+#include <gtest/gtest.h>
+#include <kalbor/kalbor.h>
+
+#include <cstring>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "calendar/civil_days.h"
+
+namespace {
+
+struct LunarYear {
+  int year, leapMonth, leapLength;
+  int months[12];
+};
+
+std::vector<LunarYear> ReadSource() {
+  std::vector<LunarYear> years;
+  std::ifstream in(KALBOR_LUNAR_SOURCE);
+  std::string line;
+  while (std::getline(in, line)) {
+    if (line.empty() || line[0] == '#') continue;
+    std::istringstream fields(line);
+    LunarYear y{};
+    fields >> y.year >> y.leapMonth >> y.leapLength;
+    for (int& m : y.months) fields >> m;
+    years.push_back(y);
+  }
+  return years;
+}
+
+}  // namespace
+
+TEST(LunarConversion, DocumentedResults) {
+  struct { const char* solar; const char* lunar; int result; } toLunar[] = {
+      {"19210208", "19210101", 1},  // the table's first day
+      {"20040122", "20040101", 1},
+      {"20010523", "20010401", 0},  // first day of the leap month after month 4
+      {"20010621", "20010501", 1},
+      {"20050209", "20041330", 0},  // past the walk's end: month 13 (deliberate)
+  };
+  for (auto& c : toLunar) {
+    char out[KA_LUNAR_TEXT_SIZE] = "";
+    EXPECT_EQ(ka_solar2lunarA(c.solar, out), c.result) << c.solar;
+    EXPECT_STREQ(out, c.lunar) << c.solar;
+  }
+  struct { const char* input; int result; } refused[] = {
+      {nullptr, -1},       // no text
+      {"19201231", -1},    // before the table
+      {"20500101", -1},    // after the table
+      {"20240230", -2},    // no such day
+      {"20230229", -2},
+      {"20241301", -2},    // months outside 1-12 have no days
+  };
+  for (auto& c : refused) {
+    char out[KA_LUNAR_TEXT_SIZE] = "untouched";
+    EXPECT_EQ(ka_solar2lunarA(c.input, out), c.result) << (c.input ? c.input : "(null)");
+    EXPECT_STREQ(out, "untouched");
+  }
+  char out[KA_DATE_TEXT_SIZE] = "";
+  EXPECT_EQ(ka_lunar2solarA("19210101", out), 0);
+  EXPECT_STREQ(out, "19210208");
+  EXPECT_EQ(ka_lunar2solarA("19200101", out), -1);
+  EXPECT_EQ(ka_lunar2solarA("20500101", out), -1);
+  EXPECT_EQ(ka_lunar2solarA(nullptr, out), -1);
+}
+
+TEST(LunarConversion, EveryDayOfTheWalkFollowsTheSourceMonths) {
+  const std::vector<LunarYear> years = ReadSource();
+  ASSERT_EQ(years.size(), 130u);
+  // A lunar cursor stepped one day at a time through the source's months,
+  // beside the solar day number, from lunar 1921-01-01 to the end of 2004.
+  int64_t solar = DayNumber(1921, 2, 8);
+  for (const LunarYear& y : years) {
+    if (y.year > 2004) break;
+    for (int m = 1; m <= 12; ++m) {
+      for (int leap = 0; leap <= (m == y.leapMonth ? 1 : 0); ++leap) {
+        const int length = leap ? y.leapLength : y.months[m - 1];
+        for (int d = 1; d <= length; ++d, ++solar) {
+          const Civil c = FromDayNumber(solar);
+          const std::string s = DateText(c.y, c.m, c.d);
+          char out[KA_LUNAR_TEXT_SIZE];
+          ASSERT_EQ(ka_solar2lunarA(s.c_str(), out), leap ? 0 : 1) << s;
+          ASSERT_EQ(std::string(out), DateText(y.year, m, d)) << s;
+          // A regular month's date converts back, except where its day
+          // exceeds the year's leap month of the same number (for month 1,
+          // last year's): those are refused (deliberate).
+          const LunarYear& checked = m == 1 && &y != &years.front() ? (&y)[-1] : y;
+          if (!leap && !(m == checked.leapMonth && d > checked.leapLength)) {
+            char back[KA_DATE_TEXT_SIZE];
+            ASSERT_EQ(ka_lunar2solarA(out, back), 0) << out;
+            ASSERT_EQ(std::string(back), s == "19991231" ? "19990000" : s) << out;  // deliberate
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST(LunarConversion, RegularMonthsOfEveryTableYearConvertToSolar) {
+  // lunar2solar is not limited by the walk: every regular month's first day
+  // from 1921 to 2049 lands where the source's lengths put it.
+  const std::vector<LunarYear> years = ReadSource();
+  int64_t solar = DayNumber(1921, 2, 8);
+  for (const LunarYear& y : years) {
+    if (y.year > 2049) break;
+    for (int m = 1; m <= 12; ++m) {
+      const Civil c = FromDayNumber(solar);
+      char out[KA_DATE_TEXT_SIZE];
+      ASSERT_EQ(ka_lunar2solarA(DateText(y.year, m, 1).c_str(), out), 0);
+      // The last day of 1999 is written 19990000 (deliberate).
+      const std::string want = c.y == 1999 && c.m == 12 && c.d == 31 ? "19990000" : DateText(c.y, c.m, c.d);
+      ASSERT_EQ(std::string(out), want) << y.year << "/" << m;
+      solar += y.months[m - 1] + (m == y.leapMonth ? y.leapLength : 0);
+    }
+  }
+}
+
+TEST(LunarConversion, TheLastDayOf1999IsWrittenAsMonthZero) {
+  char lunar[KA_LUNAR_TEXT_SIZE];
+  ASSERT_EQ(ka_solar2lunarA("19991231", lunar), 1);
+  char solar[KA_DATE_TEXT_SIZE];
+  EXPECT_EQ(ka_lunar2solarA(lunar, solar), 0);
+  EXPECT_STREQ(solar, "19990000");  // deliberate
+}
+
+TEST(LunarConversion, EveryTextFitsTheDocumentedBuffer) {
+  // Every day the conversion accepts, before the table's first lunar day and
+  // long past the walk's end, writes fewer than KA_LUNAR_TEXT_SIZE bytes.
+  size_t longest = 0;
+  for (int64_t n = DayNumber(1921, 1, 1); n <= DayNumber(2049, 12, 31); ++n) {
+    const Civil c = FromDayNumber(n);
+    char out[64];
+    ASSERT_GE(ka_solar2lunarA(DateText(c.y, c.m, c.d).c_str(), out), 0);
+    longest = std::max(longest, std::strlen(out));
+  }
+  EXPECT_LT(longest, size_t(KA_LUNAR_TEXT_SIZE));
+  EXPECT_GT(longest, 8u);  // month 13 days take more than two digits
+}
