@@ -16,50 +16,29 @@ std::basic_string<C> Txt(const char* s) {
   return out;
 }
 
-// A writable zero-terminated copy with room for `room` more characters.
+// A literal of width C that may be null, in a writable buffer with 16 spare
+// places after its terminator.
 template <class C>
-std::basic_string<C> Buf(const char* s, size_t room = 16) {
-  std::basic_string<C> b = Txt<C>(s);
-  const size_t end = b.size();
-  b.append(room + 1, C('#'));
-  b[end] = 0;
-  return b;
-}
+struct Arg {
+  explicit Arg(const char* s) : null(s == nullptr), buf(Txt<C>(s ? s : "")) {
+    const size_t end = buf.size();
+    buf.append(17, C('#'));
+    buf[end] = 0;
+  }
+  C* p() { return null ? nullptr : &buf[0]; }
+  std::basic_string<C> held() const { return buf.c_str(); }  // up to the terminator
+  bool null;
+  std::basic_string<C> buf;
+};
 
-// The text held by a buffer, up to its terminator.
-template <class C>
-std::basic_string<C> Held(const C* p) {
-  return p == nullptr ? std::basic_string<C>() : std::basic_string<C>(p);
-}
-
-#define KA_WIDTH_FUNCTIONS(S)                         \
-  static constexpr auto strncmp = ka_strncmp##S;      \
-  static constexpr auto stricmp = ka_stricmp##S;      \
-  static constexpr auto strnicmp = ka_strnicmp##S;    \
-  static constexpr auto strncat = ka_strncat##S;      \
-  static constexpr auto strdup = _ka_strdup##S;       \
-  static constexpr auto substr = ka_substr##S;        \
-  static constexpr auto right = ka_right##S;          \
-  static constexpr auto strrchr = ka_strrchr##S;      \
-  static constexpr auto stristr = ka_stristr##S;      \
-  static constexpr auto strpbrk = ka_strpbrk##S;      \
-  static constexpr auto strspn = ka_strspn##S;        \
-  static constexpr auto countstr = ka_countstr##S;    \
-  static constexpr auto strlwr = ka_strlwr##S;        \
-  static constexpr auto strupr = ka_strupr##S;        \
-  static constexpr auto strrev = ka_strrev##S;        \
-  static constexpr auto skipspace = ka_skipspace##S;  \
-  static constexpr auto findskip = ka_findskip##S;    \
-  static constexpr auto findrskip = ka_findrskip##S;  \
-  static constexpr auto ltrim = ka_ltrim##S;          \
-  static constexpr auto rtrim = ka_rtrim##S;          \
-  static constexpr auto trim = ka_trim##S;            \
-  static constexpr auto lpad = ka_lpad##S;            \
-  static constexpr auto rpad = ka_rpad##S;            \
-  static constexpr auto packstr = ka_packstr##S;      \
-  static constexpr auto findbrace = ka_findbrace##S;  \
-  static constexpr auto trimbrace = ka_trimbrace##S;  \
-  static constexpr auto replace = ka_replace##S;
+#define KA_FN(name, S) static constexpr auto name = ka_##name##S;
+#define KA_WIDTH_FUNCTIONS(S)                                                                 \
+  KA_FN(strncmp, S) KA_FN(stricmp, S) KA_FN(strnicmp, S) KA_FN(strncat, S) KA_FN(substr, S) \
+  KA_FN(right, S) KA_FN(replace, S) KA_FN(strrchr, S) KA_FN(stristr, S) KA_FN(strpbrk, S)  \
+  KA_FN(strspn, S) KA_FN(countstr, S) KA_FN(strlwr, S) KA_FN(strupr, S) KA_FN(strrev, S)   \
+  KA_FN(skipspace, S) KA_FN(findskip, S) KA_FN(findrskip, S) KA_FN(ltrim, S)               \
+  KA_FN(rtrim, S) KA_FN(trim, S) KA_FN(lpad, S) KA_FN(rpad, S) KA_FN(packstr, S)           \
+  KA_FN(findbrace, S) KA_FN(trimbrace, S) static constexpr auto strdup = _ka_strdup##S;
 
 struct Narrow {
   typedef char Char;
@@ -70,5 +49,11 @@ struct Wide {
   KA_WIDTH_FUNCTIONS(W)
 };
 typedef ::testing::Types<Narrow, Wide> BothWidths;
+
+// A typed suite over both widths.
+#define KA_BOTH_WIDTHS(Suite)                         \
+  template <class W>                                  \
+  class Suite : public ::testing::Test {};            \
+  TYPED_TEST_SUITE(Suite, BothWidths)
 
 #endif  // KALBOR_TESTS_CSTR_WIDTHS_H
