@@ -189,8 +189,9 @@ KA_API int ka_findbraceW(const ka_wchar* s, int pos);
 // unescaped closing quote and dropping the rest) or bracket pair (keeping what
 // lies between them; without a closer only the opener goes). With unescape
 // non-zero a backslash pair in quotes becomes one character: \n and \r both a
-// line feed (deliberate), \t a tab, any other the character itself. Returns
-// the new length (0 for a null s).
+// line feed (deliberate), \t a tab, any other the character itself (a
+// backslash just before the end is kept). Returns the new length (0 for a
+// null s).
 KA_API int ka_trimbraceA(char* s, int unescape);
 KA_API int ka_trimbraceW(ka_wchar* s, int unescape);
 
