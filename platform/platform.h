@@ -36,6 +36,14 @@ void GetLocalTime(LocalTime* out);
 // The ANSI code page: the system's on Windows, 65001 (UTF-8) elsewhere.
 unsigned int AnsiCodePage();
 
+// The system's code-page conversions, MultiByteToWideChar(cp, 0, src,
+// srcLen, dst, dstSize) and WideCharToMultiByte(cp, 0, src, srcLen, dst,
+// dstSize, NULL, NULL): true, with the call's result in *result, when the
+// system converts cp; false when it does not (always, except on Windows), so
+// that the caller converts with the library's own converter.
+bool SystemToWide(unsigned int cp, const char* src, int srcLen, ka_wchar* dst, int dstSize, int* result);
+bool SystemToNarrow(unsigned int cp, const ka_wchar* src, int srcLen, char* dst, int dstSize, int* result);
+
 // The default debug sink: OutputDebugStringW on Windows, standard error as
 // UTF-8 elsewhere.
 void DebugWrite(const ka_wchar* text);

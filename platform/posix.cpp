@@ -91,6 +91,10 @@ void GetLocalTime(LocalTime* out) {
 
 unsigned int AnsiCodePage() { return 65001; }
 
+// No system conversions here: the library's converters serve every page.
+bool SystemToWide(unsigned int, const char*, int, ka_wchar*, int, int*) { return false; }
+bool SystemToNarrow(unsigned int, const ka_wchar*, int, char*, int, int*) { return false; }
+
 void DebugWrite(const ka_wchar* text) {
   char buf[1024];
   // Long texts go out in pieces; the converter never splits a character.

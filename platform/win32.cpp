@@ -36,6 +36,18 @@ void GetLocalTime(LocalTime* out) {
 
 unsigned int AnsiCodePage() { return ::GetACP(); }
 
+bool SystemToWide(unsigned int cp, const char* src, int srcLen, ka_wchar* dst, int dstSize, int* result) {
+  if (!::IsValidCodePage(cp)) return false;
+  *result = ::MultiByteToWideChar(cp, 0, src, srcLen, dst, dstSize);
+  return true;
+}
+
+bool SystemToNarrow(unsigned int cp, const ka_wchar* src, int srcLen, char* dst, int dstSize, int* result) {
+  if (!::IsValidCodePage(cp)) return false;
+  *result = ::WideCharToMultiByte(cp, 0, src, srcLen, dst, dstSize, nullptr, nullptr);
+  return true;
+}
+
 void DebugWrite(const ka_wchar* text) {
   if (text != nullptr) ::OutputDebugStringW(text);
 }

@@ -6,6 +6,7 @@
 #include <kalbor/util.h>
 #include <kalbor/memory.h>
 #include <kalbor/cstr.h>
+#include <kalbor/codepage.h>
 #include <kalbor/calendar.h>
 #include <kalbor/strings.h>
 
