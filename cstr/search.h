@@ -96,7 +96,8 @@ class Searcher {
     for (; i + kBlock <= starts; i += kBlock) {
       unsigned char flags[kBlock];
       for (size_t j = 0; j < kBlock; ++j)
-        flags[j] = static_cast<unsigned char>((Key(s[i + j]) == m_first) & (Key(s[i + j + lastIndex]) == m_last));
+        flags[j] = static_cast<unsigned char>(static_cast<unsigned>(Key(s[i + j]) == m_first) &
+                                              static_cast<unsigned>(Key(s[i + j + lastIndex]) == m_last));
       uint64_t words[kBlock / 8];
       std::memcpy(words, flags, sizeof(flags));
       for (size_t w = 0; w < kBlock / 8; ++w) {
