@@ -115,6 +115,16 @@ struct Ka_StringOps {
     if (n < 0) n = Tr::Length(p);
     const int old = s.GetLength();
     if (n > Tr::kMaxLength - old) return;
+    if (s._IsPrivateWithRoom(old + n)) {
+      // GetSafeBuffer's in-place step, without zero-filling what is written
+      // next; the text does not move, so p stays valid wherever it points.
+      if (n == 1)
+        s.m_pchData[old] = p[0];
+      else
+        std::memmove(s.m_pchData + old, p, Bytes(n));
+      SetLength(s, old + n);
+      return;
+    }
     S keep;
     KeepIfInside(keep, s, p);
     Char* const buffer = s.GetSafeBuffer(old + n);
@@ -336,7 +346,7 @@ struct Ka_StringOps {
       if (write < newLength) --unreached;  // the device's loop got this far
       std::memmove(buffer + write, buffer + read, Bytes(at - read));
       write += at - read;
-      std::memcpy(buffer + write, to, Bytes(toLength));
+      if (toLength > 0) std::memcpy(buffer + write, to, Bytes(toLength));
       write += toLength;
       read = at + fromLength;
     }

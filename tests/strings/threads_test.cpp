@@ -19,7 +19,7 @@ TYPED_TEST_SUITE(Threads, BothStrings);
 TYPED_TEST(Threads, SharedTextsSurviveCopiesAppendsAndHandOffs) {
   typedef TypeParam S;
   typedef CharOf<S> C;
-  const int kThreads = 4, kRounds = 4000;
+  const int kThreads = 4, kRounds = 2000;
   // Seeds of every kind of block: small pool units, large units, heap blocks.
   std::vector<std::string> texts;
   for (int length : {1, 5, 31, 100, 1000, 5000, 9000}) texts.push_back(std::string(size_t(length), char('a' + length % 26)));
