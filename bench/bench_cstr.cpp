@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <type_traits>
 
 namespace {
 
@@ -46,17 +47,19 @@ const std::basic_string<ka_wchar>& WideText() {
   return wide;
 }
 
-// The C runtime's strcasestr where it has one (glibc, the BSDs); the lookup
-// is resolved when the template is used, so a runtime without it (the
-// Microsoft one) selects the fallback, which reports that it is missing.
+// The C runtime's strcasestr where it has one (glibc, the BSDs). The name is
+// looked up when the template is used, so a runtime without it (Microsoft's)
+// selects the second form, whose result type says that it is missing.
 template <class C>
 auto CrtCaseFind(const C* s, const C* p, int) -> decltype(strcasestr(s, p)) {
   return strcasestr(s, p);
 }
 template <class C>
-const C* CrtCaseFind(const C*, const C*, long) {
-  return reinterpret_cast<const C*>(-1);
+std::nullptr_t CrtCaseFind(const C*, const C*, long) {
+  return nullptr;
 }
+const bool kHaveStrcasestr =
+    !std::is_same<decltype(CrtCaseFind(static_cast<const char*>(nullptr), "", 0)), std::nullptr_t>::value;
 
 template <class C>
 void ExpectAtEnd(benchmark::State& state, const C* found, const C* text, size_t len) {
@@ -99,7 +102,7 @@ void BM_KaStristrA(benchmark::State& state) {
 
 void BM_CrtStrcasestr(benchmark::State& state) {
   const auto& text = Text();
-  if (CrtCaseFind(text.c_str(), kNeedleCase, 0) == reinterpret_cast<const char*>(-1)) {
+  if (!kHaveStrcasestr) {
     state.SkipWithError("this C runtime has no strcasestr");
     return;
   }
