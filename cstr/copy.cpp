@@ -25,8 +25,8 @@ typename T::Char* Copy(typename T::Char* dst, const typename T::Char* src) {
 // The bounded copy that ka_strncpyW, ka_strncatA/W, ka_ascii2wide and
 // ka_wide2ascii share: converts and copies characters while fewer than n
 // have been copied, stopping after a converted terminator, then stores one
-// more terminator (so a short src leaves two). convert maps a source
-// character to a destination one.
+// more terminator: deliberately, so a short src leaves two and dst must hold
+// n + 1 characters. convert maps a source character to a destination one.
 template <class To, class From, class Convert>
 To* CopyBounded(To* dst, const From* src, int n, Convert convert) {
   if (dst == nullptr) return nullptr;
