@@ -80,8 +80,17 @@ int Utf8ToWide(const unsigned char* src, size_t n, ka_wchar* dst, int dstSize) {
     }
     if (p == end) break;
     if (out == outEnd) return 0;
-    if (*p < 0x80) {
-      *out++ = Wide(*p++);
+    const unsigned b = *p;
+    if (b < 0x80) {
+      *out++ = Wide(b);
+      ++p;
+      continue;
+    }
+    // Three-byte characters whose second byte needs no range check (most of
+    // the BMP: Hangul, CJK, kana), decoded in one step.
+    if (b >= 0xE1 && b != 0xED && b <= 0xEF && end - p >= 3 && (p[1] & 0xC0) == 0x80 && (p[2] & 0xC0) == 0x80) {
+      *out++ = Wide(((b & 0x0Fu) << 12) | ((p[1] & 0x3Fu) << 6) | (p[2] & 0x3Fu));
+      p += 3;
       continue;
     }
     uint32_t cp;
