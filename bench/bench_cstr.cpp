@@ -75,7 +75,7 @@ void BM_KaStrstrW(benchmark::State& state) {
     benchmark::DoNotOptimize(found);
   }
   ExpectAtEnd(state, found, text.c_str(), text.size());
-  state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * text.size()));
+  state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * text.size() * sizeof(ka_wchar)));
 }
 
 void BM_CrtStrstr(benchmark::State& state) {
