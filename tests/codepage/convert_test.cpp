@@ -2,6 +2,7 @@
 // destination-size rules, round trips through every page, and the locale
 // code page.
 #include <cstring>
+#include <thread>
 #include <vector>
 
 #include "tests/codepage/conversions.h"
@@ -137,6 +138,27 @@ TEST(Conversion, EveryCharacterAPageHoldsSurvivesARoundTrip) {
     ASSERT_EQ(back.size(), held.size()) << cp;
     for (size_t i = 0; i < held.size(); ++i) ASSERT_EQ(back[i], held[i]) << cp << " at " << i;
   }
+}
+
+TEST(Conversion, ThreadsThatFirstUseAnEncoderTogetherAllGetItWhole) {
+  // Run alone (one process per test case), this is the first use of these
+  // encoders, which are built on first use.
+  const unsigned pages[] = {932, 936, 949, 950, 51932};
+  std::vector<std::string> results(4 * 5);
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t)
+    threads.emplace_back([&results, &pages, t] {
+      for (int i = 0; i < 5; ++i) {
+        const unsigned cp = pages[(i + t) % 5];
+        std::string out(kMixed.size() * 3 + 1, '\0');
+        const int n = KaToAscii(&out[0], static_cast<int>(out.size() - 1), kMixed.c_str(),
+                                static_cast<int>(kMixed.size()), cp);
+        results[static_cast<size_t>(t * 5) + (i + t) % 5] = out.substr(0, n > 0 ? static_cast<size_t>(n) : 0);
+      }
+    });
+  for (std::thread& th : threads) th.join();
+  for (int t = 0; t < 4; ++t)
+    for (int i = 0; i < 5; ++i) EXPECT_EQ(results[static_cast<size_t>(t * 5 + i)], ToNarrow(pages[i], kMixed).text) << pages[i];
 }
 
 TEST(Conversion, LocaleCodePageServesCodePageZero) {
