@@ -210,6 +210,32 @@ class KA_API Ka_AString {
   const Ka_AString& operator+=(char c);
   // Releases the text; the string becomes null.
   void Empty() { Release(); }
+  // ---- Code-page bridging (KaToAscii, kalbor/codepage.h) ---------------------
+  // A code page of 0 is the locale code page. Every member that takes none
+  // uses 0.
+
+  // As Set(s, n, codePage).
+  Ka_AString(const ka_wchar* s, int n, unsigned int codePage) : m_pchData(nullptr) { Set(s, n, codePage); }
+  // The n wide characters of s (n < 0: up to the zero) in codePage; n = 0, or
+  // a null s with n < 0, empties. Three bytes are reserved per character: the
+  // capacity is that of 3 x n, the length that of the result up to its first
+  // zero. A conversion that fails, or needs more than 3 x n bytes, leaves an
+  // empty text; n above kMaxLength / 3 leaves the string unchanged.
+  const Ka_AString& Set(const ka_wchar* s, int n, unsigned int codePage);
+  // Set(s, -1, 0).
+  const Ka_AString& operator=(const ka_wchar* s) { return Set(s, -1, 0); }
+  // Appends s, converted; the length then ends at the first zero. Nothing for
+  // a null or empty s, or when the conversion fails.
+  const Ka_AString& operator+=(const ka_wchar* s);
+  // Appends c converted, when it gives at most 3 bytes; a character that
+  // converts to nothing or to a zero byte appends nothing.
+  const Ka_AString& operator+=(ka_wchar c);
+  // This string = n bytes of s (n < 0: up to the zero) re-encoded from
+  // fromCodePage to toCodePage through a wide text; returns the new length. A
+  // null s empties and returns 0. Equal code pages copy with Set(s, n) and
+  // return n as it was passed, so -1 stays -1 (deliberate).
+  int ConvertCodePageFrom(unsigned int toCodePage, const char* s, int n, unsigned int fromCodePage);
+
 
   // Makes the text private with room for n characters (n < 0: the current
   // length), sets the length to n with a zero at n, and returns the text:
@@ -439,6 +465,23 @@ class KA_API Ka_WString {
   const Ka_WString& operator+=(const ka_wchar* s);
   const Ka_WString& operator+=(ka_wchar c);
   void Empty() { Release(); }
+  // ---- Code-page bridging (KaToUnicode, kalbor/codepage.h) -------------------
+
+  // As Set(s, n, codePage).
+  Ka_WString(const char* s, int n, unsigned int codePage) : m_pchData(nullptr) { Set(s, n, codePage); }
+  // The n bytes of s (n < 0: up to the zero; a null s is empty) in codePage;
+  // n = 0 empties. One character is reserved per byte; the length is that of
+  // the result up to its first zero. A failed conversion leaves an empty text.
+  const Ka_WString& Set(const char* s, int n, unsigned int codePage);
+  // Set(s, -1, 0).
+  const Ka_WString& operator=(const char* s) { return Set(s, -1, 0); }
+  // Appends s, converted; the length then ends at the first zero. Nothing for
+  // a null or empty s, or when the conversion fails.
+  const Ka_WString& operator+=(const char* s);
+  // Appends the byte c as one character, sign-extended and not converted:
+  // 0xE9 appends 0xFFE9 (deliberate); 0 appends nothing.
+  const Ka_WString& operator+=(char c);
+
 
   ka_wchar* GetSafeBuffer(int n) {
     if (n < 0) n = GetLength();

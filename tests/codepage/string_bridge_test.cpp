@@ -1,0 +1,123 @@
+// The string members that convert between Ka_AString and Ka_WString through
+// a code page: sizes reserved, lengths fixed afterwards, failures, and the
+// members that use the locale code page.
+#include "tests/codepage/conversions.h"
+
+namespace {
+
+// Sets the locale code page for one test and restores "unchosen" after it.
+class LocalePage {
+ public:
+  explicit LocalePage(unsigned cp) { KaSetLocaleCP(cp); }
+  ~LocalePage() { KaSetLocaleCP(0); }
+};
+
+std::string Bytes(const Ka_AString& s) { return s.GetData() ? std::string(s, static_cast<size_t>(s.GetLength())) : ""; }
+WText Units(const Ka_WString& s) { return s.GetData() ? WText(s, static_cast<size_t>(s.GetLength())) : WText(); }
+
+TEST(StringBridge, NarrowFromWideReservesThreeBytesPerCharacter) {
+  struct Row {
+    WText wide;
+    int n;
+    unsigned cp;
+    std::string text;
+    int capacity;
+    const char* guards;
+  } rows[] = {
+      {W(u""), -1, 1252, "", 0, "empty: the null string"},
+      {W(u"0123456789"), -1, 1252, "0123456789", 32, "10 characters ask room for 30 bytes"},
+      {W(u"0123456789"), 4, 1252, "0123", 32, "n bounds the input"},
+      {W(u"\uAC00\uB098"), -1, 949, "\xB0\xA1\xB3\xAA", 32, "Hangul in 949"},
+      {W(u"\u65E5\u672C"), -1, 65001, "\xE6\x97\xA5\xE6\x9C\xAC", 32, "three UTF-8 bytes a character fit"},
+      {W(u"\u65E5"), -1, 50220, "", 32, "escapes need more than 3 bytes: empty text"},
+      {W({'a', 0, 'b'}), 3, 1252, "a", 32, "the length ends at the first zero"},
+      {W(u"ab"), -1, 1200, "", 32, "a page that does not convert: empty text"},
+  };
+  for (const Row& r : rows) {
+    Ka_AString s("previous text");
+    s.Set(r.wide.c_str(), r.n, r.cp);
+    EXPECT_EQ(Bytes(s), r.text) << r.guards;
+    EXPECT_EQ(s.GetAllocLength(), r.capacity) << r.guards;
+    EXPECT_EQ(Bytes(Ka_AString(r.wide.c_str(), r.n, r.cp)), r.text) << r.guards << " (constructor)";
+  }
+  Ka_AString s("kept");
+  s.Set(static_cast<const ka_wchar*>(nullptr), -1, 1252);
+  EXPECT_EQ(s.GetData(), nullptr);  // a null text is empty
+}
+
+TEST(StringBridge, NarrowAppendsAndAssignmentsUseTheLocalePage) {
+  LocalePage page(949);
+  Ka_AString s;
+  s = W(u"\uAC00a").c_str();
+  EXPECT_EQ(Bytes(s), "\xB0\xA1" "a");
+  s += W(u"\uB098").c_str();
+  EXPECT_EQ(Bytes(s), "\xB0\xA1" "a\xB3\xAA");
+  s += static_cast<ka_wchar>(0xAC00);
+  s += static_cast<ka_wchar>('!');
+  s += static_cast<ka_wchar>(0);  // the character 0 appends nothing
+  s += W(u"").c_str();
+  s += static_cast<const ka_wchar*>(nullptr);
+  EXPECT_EQ(Bytes(s), "\xB0\xA1" "a\xB3\xAA\xB0\xA1!");
+  KaSetLocaleCP(50220);
+  s += W(u"\u65E5").c_str();            // needs 8 bytes, has 4: fails
+  s += static_cast<ka_wchar>(0x65E5);   // needs 8 bytes, has 3: nothing
+  EXPECT_EQ(Bytes(s), "\xB0\xA1" "a\xB3\xAA\xB0\xA1!");  // as it was
+}
+
+TEST(StringBridge, ConvertCodePageFromReturnsTheNewLengthOrNAsPassed) {
+  Ka_AString s("old");
+  EXPECT_EQ(s.ConvertCodePageFrom(65001, "\xB0\xA1\xB3\xAA", -1, 949), 6);
+  EXPECT_EQ(Bytes(s), "\xEA\xB0\x80\xEB\x82\x98");
+  EXPECT_EQ(s.ConvertCodePageFrom(949, "\xB0\xA1xyz", -1, 949), -1);  // -1 comes back (deliberate)
+  EXPECT_EQ(Bytes(s), "\xB0\xA1xyz");
+  EXPECT_EQ(s.ConvertCodePageFrom(949, "\xB0\xA1xyz", 2, 949), 2);
+  EXPECT_EQ(Bytes(s), "\xB0\xA1");
+  EXPECT_EQ(s.ConvertCodePageFrom(1252, "\xEA\xB0\x80", 3, 65001), 1);  // Hangul is '?' in 1252
+  EXPECT_EQ(Bytes(s), "?");
+  EXPECT_EQ(s.ConvertCodePageFrom(1252, nullptr, 3, 65001), 0);
+  EXPECT_EQ(s.GetData(), nullptr);
+}
+
+TEST(StringBridge, WideFromNarrowReservesOneCharacterPerByte) {
+  struct Row {
+    const char* narrow;
+    int n;
+    unsigned cp;
+    WText text;
+    const char* guards;
+  } rows[] = {
+      {"", -1, 949, W(u""), "empty: the null string"},
+      {nullptr, -1, 949, W(u""), "null: the null string"},
+      {"\xB0\xA1\xB3\xAA", -1, 949, W(u"\uAC00\uB098"), "two Hangul from four bytes"},
+      {"\xB0\xA1\xB3\xAA", 3, 949, W(u"\uAC00?"), "n cuts the second character"},
+      {"a\xF0\x9F\x98\x80", -1, 65001, W({'a', 0xD83D, 0xDE00}), "a surrogate pair fits in 4"},
+      {"\x1B$BF|\x1B(B", -1, 50220, W(u"\u65E5"), "escapes take no room"},
+      {"abc", -1, 1200, W(u""), "a page that does not convert: empty text"},
+  };
+  for (const Row& r : rows) {
+    Ka_WString s(W(u"previous").c_str());
+    s.Set(r.narrow, r.n, r.cp);
+    EXPECT_EQ(Hex(Units(s)), Hex(r.text)) << r.guards;
+    EXPECT_EQ(Hex(Units(Ka_WString(r.narrow, r.n, r.cp))), Hex(r.text)) << r.guards << " (constructor)";
+  }
+}
+
+TEST(StringBridge, WideAppendsConvertTextButSignExtendSingleBytes) {
+  LocalePage page(949);
+  Ka_WString s;
+  s = "\xB0\xA1";
+  EXPECT_EQ(Units(s), W(u"\uAC00"));
+  s += "x\xB3\xAA";
+  s += "";
+  s += static_cast<const char*>(nullptr);
+  EXPECT_EQ(Units(s), W(u"\uAC00x\uB098"));
+  s += '\xE9';  // not converted: sign-extended (deliberate)
+  s += 'z';
+  s += '\0';    // appends nothing
+  EXPECT_EQ(Units(s), W({0xAC00, 'x', 0xB098, 0xFFE9, 'z'}));
+  KaSetLocaleCP(1200);
+  s += "abc";  // the conversion fails: the string stays as it was
+  EXPECT_EQ(Units(s), W({0xAC00, 'x', 0xB098, 0xFFE9, 'z'}));
+}
+
+}  // namespace
