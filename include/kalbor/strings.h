@@ -210,6 +210,7 @@ class KA_API Ka_AString {
   const Ka_AString& operator+=(char c);
   // Releases the text; the string becomes null.
   void Empty() { Release(); }
+
   // ---- Code-page bridging (KaToAscii, kalbor/codepage.h) ---------------------
   // A code page of 0 is the locale code page. Every member that takes none
   // uses 0.
@@ -235,7 +236,6 @@ class KA_API Ka_AString {
   // null s empties and returns 0. Equal code pages copy with Set(s, n) and
   // return n as it was passed, so -1 stays -1 (deliberate).
   int ConvertCodePageFrom(unsigned int toCodePage, const char* s, int n, unsigned int fromCodePage);
-
 
   // Makes the text private with room for n characters (n < 0: the current
   // length), sets the length to n with a zero at n, and returns the text:
@@ -465,6 +465,7 @@ class KA_API Ka_WString {
   const Ka_WString& operator+=(const ka_wchar* s);
   const Ka_WString& operator+=(ka_wchar c);
   void Empty() { Release(); }
+
   // ---- Code-page bridging (KaToUnicode, kalbor/codepage.h) -------------------
 
   // As Set(s, n, codePage).
@@ -481,7 +482,6 @@ class KA_API Ka_WString {
   // Appends the byte c as one character, sign-extended and not converted:
   // 0xE9 appends 0xFFE9 (deliberate); 0 appends nothing.
   const Ka_WString& operator+=(char c);
-
 
   ka_wchar* GetSafeBuffer(int n) {
     if (n < 0) n = GetLength();
