@@ -321,9 +321,12 @@ class KA_API Ka_AString {
   // Replaces every non-overlapping occurrence of from (before the first zero),
   // left to right, by to (null: empty). Returns 0 for an empty string, a null
   // or empty from, or no occurrence. Otherwise the result is deliberately not
-  // the number replaced: it is 0 when the text is not shortened to nothing,
-  // and the number of occurrences when it is. 0 without change when the
-  // result would exceed Traits::kMaxLength or memory is refused.
+  // the number replaced: the device's loop went on only while the end of its
+  // last replacement lay below the new length, and the result counts the
+  // occurrences it did not reach (0 unless the text shrinks; all of them when
+  // it shrinks to nothing, which leaves a block of length 0). The text is
+  // fully replaced either way. 0 without change when the result would exceed
+  // Traits::kMaxLength or memory is refused.
   int Replace(const char* from, const char* to);
   // Removes every c over the whole length; returns the number removed.
   int Remove(char c);
@@ -390,7 +393,8 @@ class KA_API Ka_AString {
     if (m_pchData != nullptr) GetData()->AddRef();
   }
   bool _IsPrivateWithRoom(int n) const {
-    return m_pchData != nullptr && ka_interlocked_read(&GetData()->nRefs) <= 1 && n <= GetAllocLength();
+    return n <= Traits::kMaxLength && m_pchData != nullptr && ka_interlocked_read(&GetData()->nRefs) <= 1 &&
+           n <= GetAllocLength();
   }
   // Sets the length of a private text that has room, zero-filling the growth.
   char* _ResizeInPlace(int n) {
@@ -558,7 +562,8 @@ class KA_API Ka_WString {
     if (m_pchData != nullptr) GetData()->AddRef();
   }
   bool _IsPrivateWithRoom(int n) const {
-    return m_pchData != nullptr && ka_interlocked_read(&GetData()->nRefs) <= 1 && n <= GetAllocLength();
+    return n <= Traits::kMaxLength && m_pchData != nullptr && ka_interlocked_read(&GetData()->nRefs) <= 1 &&
+           n <= GetAllocLength();
   }
   ka_wchar* _ResizeInPlace(int n) {
     const int old = GetLength();

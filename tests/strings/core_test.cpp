@@ -219,8 +219,10 @@ TYPED_TEST(Core, ConcatenationCopiesTheLeftAndAppendsTheRight) {
 
 TYPED_TEST(Core, SafeBufferGrowsToTheSizeGroupAndZeroFillsOnlyInPlace) {
   typedef CharOf<TypeParam> C;
-  const int unit = static_cast<int>(sizeof(C));
-  auto group = [unit](int n) { return static_cast<int>(Ka_BufferPool::GetBufferGroup(n * unit)) / unit; };
+  auto group = [](int n) {
+    const int unit = static_cast<int>(sizeof(C));
+    return static_cast<int>(Ka_BufferPool::GetBufferGroup(n * unit)) / unit;
+  };
 
   // A 10-character text in its smallest group moves to the group of 40.
   TypeParam moved = Make<TypeParam>("0123456789");
@@ -275,7 +277,8 @@ TYPED_TEST(Core, SafeBufferOfASharedTextLeavesTheOtherOwnerAlone) {
 TYPED_TEST(Core, RequestsBeyondTheLongestTextLeaveTheStringUnchanged) {
   typedef CharOf<TypeParam> C;
   const int most = TypeParam::Traits::kMaxLength;
-  OnPrivateAndShared<TypeParam>("abc", [most](TypeParam& t) {
+  OnPrivateAndShared<TypeParam>("abc", [](TypeParam& t) {
+    const int most = TypeParam::Traits::kMaxLength;
     const Ka_BufferData* before = t.GetData();
     EXPECT_EQ(t.GetSafeBuffer(most + 1), nullptr);
     EXPECT_EQ(t.GetSafeBuffer(0x7FFFFFFF), nullptr);
