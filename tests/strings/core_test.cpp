@@ -292,6 +292,25 @@ TYPED_TEST(Core, RequestsBeyondTheLongestTextLeaveTheStringUnchanged) {
   EXPECT_LE(Ka_BufferPool::GetBufferGroup(most * static_cast<int>(sizeof(C))) / sizeof(C), 0x7FFFFFFFu);
 }
 
+TYPED_TEST(Core, GrowthPastTheLongestTextChangesNothing) {
+  typedef CharOf<TypeParam> C;
+  // A header that claims the longest length (never allocated for real):
+  // every growing edit must refuse before it touches memory.
+  TypeParam s = Make<TypeParam>("a b");
+  const int32_t real = s.GetData()->nDataLength;
+  s.GetData()->nDataLength = TypeParam::Traits::Stored(TypeParam::Traits::kMaxLength);
+  const Ka_BufferData* before = s.GetData();
+  s += C('x');
+  s += Chars<TypeParam>("xy").c_str();
+  EXPECT_EQ(s.Insert(0, C('x')), TypeParam::Traits::kMaxLength);
+  EXPECT_EQ(s.Insert(0, Chars<TypeParam>("xy").c_str()), TypeParam::Traits::kMaxLength);
+  EXPECT_EQ(s.Replace(Chars<TypeParam>(" ").c_str(), Chars<TypeParam>("--").c_str()), 0);
+  EXPECT_EQ(s.GetData(), before);
+  EXPECT_EQ(s.GetLength(), TypeParam::Traits::kMaxLength);
+  s.GetData()->nDataLength = real;
+  EXPECT_EQ(Text(s), "a b");
+}
+
 TYPED_TEST(Core, FreeExtraOnlyFixesTheLengthOfEverySharer) {
   typedef CharOf<TypeParam> C;
   TypeParam s;
