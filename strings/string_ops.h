@@ -325,8 +325,7 @@ struct Ka_StringOps {
     const int toLength = Tr::Length(to);
 
     const int limit = Tr::Length(s.m_pchData);  // the search stops at the first zero
-    int count = 0;
-    for (int at = 0; (at = FindIn(s.m_pchData, limit, at, from, fromLength)) >= 0; at += fromLength) ++count;
+    const int count = Tr::Count(s.m_pchData, from);
     if (count == 0) return 0;
     const int64_t grown = int64_t(length) + int64_t(count) * (toLength - fromLength);
     if (grown > Tr::kMaxLength) return 0;
