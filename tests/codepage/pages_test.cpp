@@ -1,7 +1,6 @@
 // What each kind of page makes of particular bytes and units: best-fit and
 // private-use mappings, default characters, invalid and truncated
 // sequences, and the escape handling of the stateful pages.
-#include "codepage/tables.h"
 #include "tests/codepage/conversions.h"
 
 namespace {
@@ -103,20 +102,6 @@ TEST(PageEncoding, UnitsGiveTheSystemsBytes) {
     EXPECT_EQ(got.text, r.bytes) << r.cp << ": " << r.guards << "\n got " << Hex(got.text);
     EXPECT_EQ(got.result, static_cast<int>(r.bytes.size())) << r.cp << ": " << r.guards;
   }
-}
-
-TEST(PageEncoding, JisRowsConvertBothWaysBetweenShiftJisAndJis) {
-  for (unsigned j1 = 0x21; j1 <= 0x7E; ++j1) {
-    for (unsigned j2 = 0x21; j2 <= 0x7E; ++j2) {
-      unsigned char s1, s2, b1, b2;
-      ka_codepage::JisToSjis(j1, j2, &s1, &s2);
-      ASSERT_TRUE(ka_codepage::SjisToJis(s1, s2, &b1, &b2)) << std::hex << j1 << j2;
-      ASSERT_EQ((b1 << 8) | b2, (j1 << 8) | j2);
-    }
-  }
-  unsigned char j1, j2;
-  EXPECT_FALSE(ka_codepage::SjisToJis(0xFA, 0x40, &j1, &j2));  // IBM extensions lie outside
-  EXPECT_FALSE(ka_codepage::SjisToJis(0x81, 0x7F, &j1, &j2));  // 0x7F is never a trail
 }
 
 }  // namespace
