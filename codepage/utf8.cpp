@@ -72,18 +72,16 @@ int Utf8ToWide(const unsigned char* src, size_t n, ka_wchar* dst, int dstSize) {
   ka_wchar* out = dst;
   ka_wchar* const outEnd = dst + dstSize;
   while (p < end) {
-    // Runs of ASCII, eight bytes at a time.
-    while (end - p >= 8 && outEnd - out >= 8 && Ascii8(p)) {
-      for (int i = 0; i < 8; ++i) out[i] = Wide(p[i]);
-      p += 8;
-      out += 8;
-    }
-    if (p == end) break;
     if (out == outEnd) return 0;
     const unsigned b = *p;
     if (b < 0x80) {
-      *out++ = Wide(b);
-      ++p;
+      // A run of ASCII: eight bytes at a time while it lasts, then one by one.
+      while (end - p >= 8 && outEnd - out >= 8 && Ascii8(p)) {
+        for (int i = 0; i < 8; ++i) out[i] = Wide(p[i]);
+        p += 8;
+        out += 8;
+      }
+      while (p < end && out < outEnd && *p < 0x80) *out++ = Wide(*p++);
       continue;
     }
     // Three-byte characters whose second byte needs no range check (most of
