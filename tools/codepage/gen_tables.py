@@ -8,6 +8,15 @@ unicodedata).
 
     gen_tables.py DUMP OUTPUT
 
+The pages the system does not convert are built on these tables by the
+library's code, after the published standards: 50220, ISO-2022-JP (RFC
+1468), on the JIS X 0208 rows of 932; 50225, ISO-2022-KR (RFC 1557), on the
+KS X 1001 part of 949; 52936, HZ-GB-2312 (RFC 1843), on the GB 2312 part of
+936; 51932, EUC-JP, on the JIS X 0208 rows of 932, the half-width katakana
+and the JIS X 0212 plane of 20932 written here; 38598 uses 28598's table.
+tools/codepage/gen_crosscheck.py records what Python's codecs make of them,
+for the tests to compare.
+
 The generator is strict: it checks that the dump fits the model that the
 library's converters implement (see codepage/tables.cpp) and fails on the
 first thing that does not, then replays every lookup the library will make
