@@ -35,6 +35,7 @@ class Ka_AString;
 class Ka_WString;
 class Ka_AStringHandler;
 class Ka_WStringHandler;
+class Ka_Buffer;  // kalbor/buffer.h
 
 namespace ka_detail {
 
@@ -349,6 +350,57 @@ class KA_API Ka_AString {
   // keeps the order of the characters (deliberate, as ka_strrevA).
   void MakeReverse();
 
+  // ---- Escaping ------------------------------------------------------------------
+  // Encoders return a new string and share this one's text when nothing needs
+  // escaping; they return the null string when the result would exceed
+  // Traits::kMaxLength. The decoders that take a text replace this string's
+  // contents and return *this: a null text or n = 0 (an empty Ka_AString)
+  // empties it, n < 0 reads up to the zero, and a text without the trigger
+  // character ("&" or "%") within its n characters is copied as it is. The
+  // decoded length ends at the first zero, so "&#0;" and "%00" end the text.
+
+  // The text in quote ("'", or the double quote for any other argument) with
+  // a backslash before each quote and backslash; an empty string is
+  // returned unchanged, without quotes (deliberate).
+  Ka_AString QuoteStr(char quote) const;
+  // A text opening with a double quote or "'" without it: a backslash is
+  // dropped and the character after it kept, the last character is dropped
+  // when it is the opening quote (otherwise kept), and the length ends at the
+  // first zero. Any other text is returned unchanged.
+  Ka_AString UnQuoteStr() const;
+  // < > & double quote ' as &lt; &gt; &amp; &quot; &apos;, and tab, line
+  // feed, carriage return and blank as &#9; &#10; &#13; &#32; (deliberate:
+  // they survive attribute normalisation). Other bytes are copied.
+  Ka_AString EncodeXml() const;
+  // The decoding of this string (shared when it holds no "&").
+  Ka_AString DecodeXml() const;
+  // This string becomes the decoding of text: the five named entities (case
+  // sensitive), and "&#" up to the first ";" after it as a 16-bit number
+  // converted with KaToAscii in the locale code page (at most 4 bytes).
+  // "&#x" takes hex digits 1-8, A-F and ` (9) to f; "0" and "9" end the
+  // number (deliberate). Otherwise the decimal number as atoi reads it, low
+  // 16 bits. Without a ";" after it, and for any other entity, "&" is text.
+  const Ka_AString& DecodeXml(const char* text, int n);
+  const Ka_AString& DecodeXml(const Ka_AString& text);
+  // Percent-encoding: 0-9 : ; A-Z a-z $ _ . ! * ' ( ) are kept, every other
+  // byte becomes "%" and two upper-case hex digits ("-" and "~" too, deliberate).
+  Ka_AString EncodeUrl() const;
+  // The decoding of this string (shared when it holds no "%").
+  Ka_AString DecodeUrl() const;
+  // This string becomes the decoding of text: "%" and the two characters
+  // after it give the byte high x 16 + low, a digit being its code minus '0'
+  // below 'A', else its code without the lower-case bit minus 55, so every
+  // pair gives some byte (signed characters). A "%" with fewer than two
+  // characters after it is copied as text. "+" stays "+" (deliberate).
+  const Ka_AString& DecodeUrl(const char* text, int n);
+  const Ka_AString& DecodeUrl(const Ka_AString& text);
+
+  // ---- Base64 (kalbor/buffer.h) --------------------------------------------------
+
+  // The bytes decoded from this string as Ka_Buffer::DecodeBase64 does; an
+  // empty string gives an empty buffer.
+  Ka_Buffer DecodeBase64() const;
+
   // ---- Objects -------------------------------------------------------------------
 
   // One slot of _KaAStringHandler's pool; null when the pool can get no
@@ -392,6 +444,10 @@ class KA_API Ka_AString {
 
   // GetSafeBuffer's slow path: a new block of n characters holding the old
   // text (see GetSafeBuffer). The only place that copies a string's text.
+  // The decoders proper of DecodeXml and DecodeUrl, for n >= 1.
+  void _DecodeXml(const char* text, int n);
+  void _DecodeUrl(const char* text, int n);
+
   char* _CopyToNewBuffer(int n);
   void _AddRef() {
     if (m_pchData != nullptr) GetData()->AddRef();
@@ -536,6 +592,27 @@ class KA_API Ka_WString {
   // Swaps case and keeps the order (deliberate, as ka_strrevW).
   void MakeReverse();
 
+  // Escaping, as Ka_AString's, on 16-bit characters, except: EncodeUrl, when
+  // any character needs escaping, converts the whole text to the locale code
+  // page, encodes those bytes and widens the result; a numeric XML entity is
+  // stored as one character, its hex digits being 1-8, A-F and a-f ("0" and
+  // "9" end the number here too, deliberate); DecodeUrl stores each decoded
+  // byte as one character, and a character's code is unsigned.
+  Ka_WString QuoteStr(ka_wchar quote) const;
+  Ka_WString UnQuoteStr() const;
+  Ka_WString EncodeXml() const;
+  Ka_WString DecodeXml() const;
+  const Ka_WString& DecodeXml(const ka_wchar* text, int n);
+  const Ka_WString& DecodeXml(const Ka_WString& text);
+  Ka_WString EncodeUrl() const;
+  Ka_WString DecodeUrl() const;
+  const Ka_WString& DecodeUrl(const ka_wchar* text, int n);
+  const Ka_WString& DecodeUrl(const Ka_WString& text);
+
+  // The text converted to codePage (0: the locale code page) up to its first
+  // zero, then decoded as Ka_Buffer::DecodeBase64 does.
+  Ka_Buffer DecodeBase64(unsigned int codePage) const;
+
   // One slot of _KaWStringHandler's pool (see Ka_AString::operator new).
   static void* operator new(size_t size) noexcept;
   static void operator delete(void* p);
@@ -560,6 +637,9 @@ class KA_API Ka_WString {
     if (data != nullptr && data->Release() < 1) FreeData(data);
   }
   static void FreeData(Ka_WStringData* data) { Ka_BufferPool::FreeBuffer(data); }
+
+  void _DecodeXml(const ka_wchar* text, int n);
+  void _DecodeUrl(const ka_wchar* text, int n);
 
   ka_wchar* _CopyToNewBuffer(int n);
   void _AddRef() {
