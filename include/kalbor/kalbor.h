@@ -9,5 +9,6 @@
 #include <kalbor/codepage.h>
 #include <kalbor/calendar.h>
 #include <kalbor/strings.h>
+#include <kalbor/buffer.h>
 
 #endif  // KALBOR_KALBOR_H
