@@ -324,7 +324,6 @@ struct Ka_StringOps {
     const int fromLength = Tr::Length(from);
     const int toLength = Tr::Length(to);
 
-    const int limit = Tr::Length(s.m_pchData);  // the search stops at the first zero
     const int count = Tr::Count(s.m_pchData, from);
     if (count == 0) return 0;
     const int64_t grown = int64_t(length) + int64_t(count) * (toLength - fromLength);
@@ -340,8 +339,10 @@ struct Ka_StringOps {
     if (shift > 0) std::memmove(buffer + shift, buffer, Bytes(length));
     int read = shift, write = 0, unreached = count;
     for (int k = 0; k < count; ++k) {
-      const int at = FindIn(buffer, shift + limit, read, from, fromLength);
-      assert(at >= read);  // the occurrences counted above, in the same order
+      // The occurrences counted above, in the same order: they all lie
+      // before the first zero, and from cannot match across a zero.
+      const int at = FindIn(buffer, shift + length, read, from, fromLength);
+      assert(at >= read);
       if (write < newLength) --unreached;  // the device's loop got this far
       std::memmove(buffer + write, buffer + read, Bytes(at - read));
       write += at - read;
