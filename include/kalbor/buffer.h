@@ -122,9 +122,8 @@ class KA_API Ka_Buffer {
   // the built-in subscript of a pointer conversion).
   template <class I, class = typename std::enable_if<std::is_integral<I>::value>::type>
   unsigned char operator[](I i) const {
-    return i < 0 || static_cast<unsigned long long>(i) >= static_cast<unsigned long long>(GetLength())
-               ? 0
-               : m_pData[static_cast<long>(i)];
+    const long long at = static_cast<long long>(i);  // indices past LLONG_MAX read as negative
+    return at >= 0 && at < GetLength() ? m_pData[at] : 0;
   }
   // When 0 <= i < length: makes the block private and stores b; otherwise
   // does nothing.

@@ -1,0 +1,165 @@
+// Base64: the encoder against a bit-by-bit reading of RFC 4648, the
+// decoder's rules (blanks, the end of the run, short last groups, n), round
+// trips, and decoding of arbitrary bytes held in memory of exactly their
+// size, so that a read past the text is a heap overflow.
+#include <random>
+#include <string>
+
+#include "buffer/buffer_support.h"
+
+namespace {
+
+const char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+// RFC 4648 read literally: the bits in a row, six at a time, zero-filled,
+// then "=" up to a multiple of four characters.
+std::string ReferenceEncode(const std::string& bytes) {
+  std::string bits;
+  for (unsigned char b : bytes)
+    for (int k = 7; k >= 0; --k) bits.push_back(static_cast<char>('0' + ((b >> k) & 1)));
+  while (bits.size() % 6 != 0) bits.push_back('0');
+  std::string out;
+  for (size_t i = 0; i < bits.size(); i += 6) out.push_back(kAlphabet[std::stoi(bits.substr(i, 6), nullptr, 2)]);
+  while (out.size() % 4 != 0) out.push_back('=');
+  return out;
+}
+
+std::string Encode(const std::string& bytes) {
+  const Ka_AString text = MakeBuffer(bytes).EncodeBase64();
+  return text.GetLength() > 0 ? std::string(static_cast<const char*>(text), static_cast<size_t>(text.GetLength())) : "";
+}
+
+// Decodes text held in memory of exactly its size, terminator included.
+std::string Decode(const std::string& text, long n = -1) {
+  const ExactText<char> exact(text + '\0');
+  Ka_Buffer b = MakeBuffer("previous contents");
+  b.DecodeBase64(exact.get(), n);
+  ExpectWellFormed(b);
+  return Bytes(b);
+}
+
+TEST(Base64Encode, MatchesTheBitByBitReading) {
+  const char* rows[] = {
+      "",                  // empty: empty text
+      "f", "fo", "foo",    // "Zg==", "Zm8=", "Zm9v"
+      "foob", "fooba", "foobar",
+      "\xFF\xFF\xFF",      // all bits set: "////"
+      "\x00\x00\x00\x00",  // zeros are bytes: "AAAAAA=="
+  };
+  EXPECT_EQ(Encode("f"), "Zg==");
+  EXPECT_EQ(Encode("fo"), "Zm8=");
+  EXPECT_EQ(Encode("foo"), "Zm9v");
+  EXPECT_EQ(Encode(std::string(4, '\0')), "AAAAAA==");
+  for (const char* r : rows) EXPECT_EQ(Encode(r), ReferenceEncode(r)) << r;
+  std::mt19937 random(7);
+  for (size_t length = 0; length < 200; ++length) {
+    std::string bytes;
+    for (size_t i = 0; i < length; ++i) bytes.push_back(static_cast<char>(random()));
+    ASSERT_EQ(Encode(bytes), ReferenceEncode(bytes)) << length;
+  }
+}
+
+TEST(Base64Encode, ResultIsSizedOnceAndHasNoLineBreaks) {
+  const Ka_AString text = MakeBuffer(std::string(1000, 'x')).EncodeBase64();
+  EXPECT_EQ(text.GetLength(), 4 * ((1000 + 2) / 3));
+  EXPECT_EQ(text.Find('\n'), -1);
+  EXPECT_EQ(text.Find('\r'), -1);
+  EXPECT_EQ(Ka_Buffer().EncodeBase64().GetData(), nullptr) << "an empty buffer gives the null string";
+}
+
+TEST(Base64Decode, FollowsTheRunOfAlphabetCharactersOnly) {
+  struct Row {
+    std::string text;
+    long n;
+    std::string bytes;
+  } rows[] = {
+      {"", -1, ""},                          // empty text
+      {"Zm9v", 0, ""},                       // n = 0 empties, even for valid text
+      {"Zm9v", -1, "foo"},                   //
+      {"  Zm9v", -1, "foo"},                 // leading blanks skipped
+      {"\t Zm9v", -1, "foo"},                // and tabs
+      {"\nZm9v", -1, ""},                    // a line feed is not skipped: it ends the run
+      {"Zm9v YmFy", -1, "foo"},              // nothing after the first non-alphabet byte
+      {"Zm9vYmFy", -1, "foobar"},            //
+      {"Zm8=", -1, "fo"},                    //
+      {"Zm8", -1, "fo"},                     // padding is not needed
+      {"Zg", -1, "f"},                       //
+      {"Zm9vYg", -1, "foob"},                //
+      {"Z", -1, "d"},                        // a lone character: its six bits, then two zero bits
+      {"/", -1, "\xFC"},                     //
+      {"=Zm9v", -1, ""},                     // starting with "=": empty
+      {"*Zm9v", -1, ""},                     // or with any other non-alphabet byte
+      {"Zm9v", 2, "foo"},                    // a positive n does not bound the run (deliberate)
+      {"Zm9v\0YmFy", 9, "foo"},              // a zero ends it
+      {"Zm-9v", -1, "f"},                    // the URL-safe alphabet is not read
+  };
+  rows[17].text = std::string("Zm9v\0YmFy", 9);
+  for (const Row& r : rows) EXPECT_EQ(Decode(r.text, r.n), r.bytes) << r.text << " with n " << r.n;
+  Ka_Buffer b = MakeBuffer("kept");
+  b.DecodeBase64(nullptr, 4);
+  EXPECT_EQ(b.IsEmpty(), 1) << "a null text empties";
+}
+
+TEST(Base64Decode, OutputIsSizedByTheRunLength) {
+  Ka_Buffer b;
+  b.DecodeBase64(std::string(44, 'A').c_str(), -1);  // 11 groups: 33 bytes
+  EXPECT_EQ(b.GetLength(), 33);
+  EXPECT_EQ(b.GetAllocLength(), 64);
+  EXPECT_EQ(b.GetPtr(0)[33], 0) << "a zero after the bytes";
+  b.DecodeBase64(std::string(41, 'A').c_str(), -1);  // a lone last character
+  EXPECT_EQ(b.GetLength(), 31);
+}
+
+TEST(Base64Decode, RoundTripsEveryLengthAndSharedOrOwnBytes) {
+  std::mt19937 random(11);
+  for (size_t length = 0; length < 300; ++length) {
+    std::string bytes;
+    for (size_t i = 0; i < length; ++i) bytes.push_back(static_cast<char>(random()));
+    const std::string text = Encode(bytes);
+    ASSERT_EQ(Decode(text), bytes) << length;
+    if (length % 3 != 0) {
+      ASSERT_EQ(Decode(text.substr(0, text.find('='))), bytes) << "unpadded, " << length;
+    }
+  }
+  // Decoding replaces the contents of a shared buffer privately, and may
+  // read from the buffer's own bytes.
+  OnPrivateAndShared("Zm9vYmFy", [](Ka_Buffer& b) {
+    b.DecodeBase64(b, b.GetLength());
+    EXPECT_EQ(Bytes(b), "foobar");
+  });
+}
+
+TEST(Base64Decode, AnyBytesDecodeWithoutReadingPastTheText) {
+  std::mt19937 random(5);
+  const std::string pool = std::string(kAlphabet) + "= \t\n\x80\xFF-_";
+  for (int round = 0; round < 3000; ++round) {
+    const size_t length = random() % 24;
+    std::string text;
+    for (size_t i = 0; i < length; ++i)
+      text.push_back(round % 2 ? static_cast<char>(random()) : pool[random() % pool.size()]);
+    if (text.find('\0') != std::string::npos) text.resize(text.find('\0'));
+    const std::string bytes = Decode(text);
+    // The same bytes as decoding only the run after the blanks, alone.
+    const size_t start = text.find_first_not_of(" \t");
+    const std::string run = start == std::string::npos ? "" : text.substr(start, text.find_first_not_of(kAlphabet, start) - start);
+    ASSERT_EQ(bytes, Decode(run)) << text;
+    ASSERT_EQ(bytes.size(), run.size() / 4 * 3 + (run.size() % 4 == 0 ? 0 : run.size() % 4 == 3 ? 2 : 1)) << text;
+    // Text of exactly n bytes, without a terminator, that ends in a non-alphabet byte.
+    const ExactText<char> unterminated(run + "=");
+    Ka_Buffer b;
+    b.DecodeBase64(unterminated.get(), unterminated.size());
+    ASSERT_EQ(Bytes(b), bytes);
+  }
+}
+
+TEST(Base64Decode, StringsDecodeTheirText) {
+  EXPECT_EQ(Bytes(Ka_AString("Zm9vYmFy").DecodeBase64()), "foobar");
+  EXPECT_EQ(Ka_AString().DecodeBase64().IsEmpty(), 1);
+  EXPECT_EQ(Bytes(Ka_AString(std::string("Zm9v\0YmFy", 9).c_str(), 9).DecodeBase64()), "foo");
+  EXPECT_EQ(Bytes(Ka_WString(KA_W(" Zm9v")).DecodeBase64(65001)), "foo");
+  // A character outside the code page becomes "?", which ends the run.
+  EXPECT_EQ(Bytes(Ka_WString(KA_W("Zm9v\uAC00YmFy")).DecodeBase64(1252)), "foo");
+  EXPECT_EQ(Ka_WString().DecodeBase64(0).IsEmpty(), 1);
+}
+
+}  // namespace

@@ -1,0 +1,305 @@
+// The byte buffer: construction, sharing and copy on write, the edits (each
+// on a private and on a shared buffer), GetSafeBuffer and the size members,
+// byte access, limits and the list order.
+#include <climits>
+#include <cstring>
+#include <functional>
+#include <thread>
+#include <vector>
+
+#include "buffer/buffer_support.h"
+
+namespace {
+
+const std::string kFive = "abcde";
+
+TEST(BufferCore, ConstructionCopiesNBytesAndEndsThemWithAZero) {
+  struct Row {
+    const char* p;
+    long n;
+    std::string held;
+  } rows[] = {
+      {"abc", 0, ""},                 // n = 0: empty, owns nothing
+      {"abc", -1, ""},                // negative n: empty as well
+      {"a\0c", 3, std::string("a\0c", 3)},  // zeros are bytes like any other
+      {"abc", 2, "ab"},               // a prefix, then a zero
+  };
+  for (const Row& r : rows) {
+    const Ka_Buffer b(reinterpret_cast<const unsigned char*>(r.p), r.n);
+    EXPECT_EQ(Bytes(b), r.held) << r.n;
+    EXPECT_EQ(static_cast<const void*>(b) == nullptr, r.held.empty());
+    if (!r.held.empty()) {
+      EXPECT_EQ(b.GetPtr(0)[b.GetLength()], 0) << "a zero after the bytes";
+    }
+    ExpectWellFormed(b);
+  }
+  const Ka_Buffer room(nullptr, 40);
+  EXPECT_EQ(room.GetLength(), 40) << "a null source leaves the bytes for the caller";
+  EXPECT_EQ(room.GetAllocLength(), 64);
+  const Ka_Buffer empty;
+  EXPECT_EQ(empty.IsEmpty(), 1);
+  EXPECT_EQ(static_cast<const char*>(empty), nullptr);
+  EXPECT_EQ(empty.GetPtr(0), nullptr);
+}
+
+TEST(BufferCore, CopiesShareOneBlockUntilOneOfThemWrites) {
+  Ka_Buffer a = MakeBuffer("shared");
+  Ka_Buffer b(a), c;
+  c = b;
+  c.Set(a);  // already the same block
+  EXPECT_EQ(Refs(a), 3);
+  const Ka_Buffer moved(std::move(c));
+  EXPECT_EQ(Refs(a), 3) << "a move takes the reference over";
+  EXPECT_EQ(static_cast<const void*>(c), nullptr);
+  b.SetAt(-1, 'x');  // out of range: ignored, and the block stays shared
+  b.SetAt(6, 'x');
+  EXPECT_EQ(b.GetPtr(0), a.GetPtr(0));
+  b.SetAt(0, 'S');
+  EXPECT_EQ(Bytes(b), "Shared");
+  EXPECT_EQ(Bytes(a), "shared");
+  EXPECT_EQ(Refs(a), 2);
+  b = Ka_Buffer();
+  EXPECT_EQ(b.IsEmpty(), 1) << "assigning an empty buffer empties";
+}
+
+// One row: the bytes before, an edit of b returning a value (INT_MIN when
+// it returns nothing), the bytes after, and that value.
+struct EditRow {
+  std::string before;
+  std::function<long(Ka_Buffer&)> edit;
+  std::string after;
+  long result;
+};
+#define EDIT(expr) [&](Ka_Buffer & b) -> long { return (expr); }
+#define DO(statement) [&](Ka_Buffer & b) -> long { return (statement), long(INT_MIN); }
+
+void RunEdits(const std::vector<EditRow>& rows) {
+  for (const EditRow& r : rows) {
+    SCOPED_TRACE("\"" + r.before + "\" to \"" + r.after + "\"");
+    OnPrivateAndShared(r.before, [&r](Ka_Buffer& b) {
+      const long result = r.edit(b);
+      EXPECT_EQ(Bytes(b), r.after);
+      if (result != INT_MIN) {
+        EXPECT_EQ(result, r.result);
+      }
+    });
+  }
+}
+
+TEST(BufferEdit, SetAppendInsertAndDeleteFollowTheirRanges) {
+  const std::string xy = "xy";
+  RunEdits({
+      {"", DO(b.Set(U(xy), 2)), "xy", 0},                          // a new block
+      {kFive, DO(b.Set(U(xy), 0)), "", 0},                         // n = 0 empties
+      {kFive, DO(b.Set(U(xy), -3)), "", 0},                        // and so does a negative n
+      {kFive, DO(b.Set(U(xy), 1)), "x", 0},                        //
+      {"", DO(b.Append(U(xy), 2)), "xy", 0},                       // appending to nothing allocates
+      {kFive, DO(b.Append(U(xy), 0)), kFive, 0},                   // nothing to append
+      {kFive, DO(b.Append(U(xy), 2)), "abcdexy", 0},               //
+      {kFive, DO(b.Append(U(std::string(40, 'z')), 40)), kFive + std::string(40, 'z'), 0},  // into a larger group
+      {kFive, DO(b.AppendStr("fg")), "abcdefg", 0},                // without the terminator
+      {kFive, DO(b.AppendStr(static_cast<const char*>(nullptr))), kFive, 0},  // null appends nothing
+      {kFive, DO(b.Insert(99, U(xy), 2)), "abcdexy", 0},           // past the end: appends
+      {kFive, DO(b.Insert(2, U(xy), 2)), "abxycde", 0},            //
+      {kFive, DO(b.Insert(-4, U(xy), 2)), "xyabcde", 0},           // a negative position inserts in front
+      {kFive, DO(b.Insert(2, U(xy), 0)), kFive, 0},                // nothing to insert
+      {"", EDIT(b.Delete(0, 1)), "", 0},                           // empty: 0
+      {kFive, EDIT(b.Delete(2, 100)), "ab", 3},                    // lowered to the end
+      {kFive, EDIT(b.Delete(7, 1)), kFive, -2},                    // past the end: length - pos (deliberate)
+      {kFive, EDIT(b.Delete(5, 1)), kFive, 0},                     // at the end: nothing
+      {kFive, EDIT(b.Delete(-3, 2)), "cde", 2},                    // a negative position counts from 0
+      {kFive, EDIT(b.Delete(1, -2)), kFive, -2},                   // a negative count is returned as it is
+      {kFive, EDIT(b.Delete(0, 5)), "", 5},                        // everything: a block of length 0
+  });
+}
+
+TEST(BufferEdit, InsertAndDeleteMoveTheByteAfterTheEndWithTheBytes) {
+  OnPrivateAndShared(kFive, [](Ka_Buffer& b) {
+    b.Insert(1, U("XY"), 2);
+    EXPECT_EQ(b.GetPtr(0)[7], 0) << "the zero after the old end moved up";
+    EXPECT_EQ(b.Delete(0, 4), 4);
+    EXPECT_EQ(Bytes(b), "cde");
+    EXPECT_EQ(b.GetPtr(0)[3], 0) << "and down again";
+  });
+}
+
+TEST(BufferEdit, AppendWritesTheZeroOnlyBelowTheCapacity) {
+  for (long length : {30L, 31L}) {
+    Ka_Buffer b(U(std::string(static_cast<size_t>(length), 'a')), length);
+    ASSERT_EQ(b.GetAllocLength(), 32);
+    b.GetSafePtr(length + 1)[0] = 'X';
+    b.Append(U("b"), 1);
+    // length + 1 = 31 lies below the capacity of 32; 32 does not (deliberate).
+    EXPECT_EQ(b.GetPtr(0)[length + 1], length == 30 ? 0 : 'X') << length;
+  }
+}
+
+TEST(BufferEdit, WideTextIsAppendedWholeInTheGivenCodePage) {
+  const Ka_WString wide(KA_W("a\u00E9\uAC00"));
+  RunEdits({
+      {"x", DO(b.AppendStr(wide, 1, 65001)), "xa\xC3\xA9\xEA\xB0\x80", 0},  // n is ignored (deliberate)
+      {"x", DO(b.AppendStr(wide, 2, 1252)), "xa\xE9?", 0},                  // the page's default for U+AC00
+      {"x", DO(b.AppendStr(static_cast<const ka_wchar*>(nullptr), 3, 65001)), "x", 0},  //
+  });
+}
+
+TEST(BufferEdit, ArgumentsInsideTheBufferItselfAreReadBeforeTheyMove) {
+  RunEdits({
+      {kFive, DO(b.Set(b.GetPtr(1), 3)), "bcd", 0},                // a slice of itself
+      {kFive, DO(b.Append(b.GetPtr(0), 5)), "abcdeabcde", 0},      //
+      {kFive, DO(b.Insert(1, b.GetPtr(3), 2)), "adebcde", 0},      //
+      {std::string(30, 'q'), DO(b.Append(b.GetPtr(0), 30)), std::string(60, 'q'), 0},  // growing to another group
+  });
+}
+
+TEST(BufferSize, GetSafeBufferKeepsTheBytesAndTheOneAfterThem) {
+  Ka_Buffer b = MakeBuffer("abcdef");
+  const unsigned char* block = b.GetPtr(0);
+  EXPECT_EQ(b.GetSafeBuffer(3), block) << "private with room: in place";
+  EXPECT_EQ(b.GetLength(), 3);
+  EXPECT_EQ(block[3], 'd') << "no zero is written";
+  EXPECT_EQ(b.GetSafeBuffer(-1), block);
+  EXPECT_EQ(b.GetLength(), 3) << "a negative size is the length";
+
+  Ka_Buffer shared(b);
+  unsigned char* copy = b.GetSafeBuffer(2);
+  ASSERT_NE(copy, block);
+  EXPECT_EQ(std::string(reinterpret_cast<char*>(copy), 3), "abc") << "the kept bytes and the one after them";
+  EXPECT_EQ(Bytes(shared), "abc");
+
+  Ka_Buffer grown(shared);
+  unsigned char* large = grown.GetSafeBuffer(100);
+  ASSERT_NE(large, nullptr);
+  EXPECT_EQ(std::string(reinterpret_cast<char*>(large), 4), "abcd") << "the byte after the old end comes along";
+  EXPECT_EQ(grown.GetAllocLength(), 128);
+
+  Ka_Buffer zero(shared);
+  EXPECT_EQ(zero.GetSafeBuffer(0), nullptr) << "0 on a shared block: empty";
+  EXPECT_EQ(zero.IsEmpty(), 1);
+  EXPECT_EQ(Bytes(shared), "abc");
+  Ka_Buffer none;
+  EXPECT_EQ(none.GetSafeBuffer(0), nullptr);
+  EXPECT_EQ(none.GetSafeBuffer(-1), nullptr);
+  Ka_Buffer alone = MakeBuffer("xyz");
+  EXPECT_NE(alone.GetSafeBuffer(0), nullptr) << "0 on a private block: length 0, same block";
+  EXPECT_EQ(alone.GetLength(), 0);
+  EXPECT_EQ(alone.GetAllocLength(), 32);
+}
+
+TEST(BufferSize, SetSizeWorksInPlaceEvenOnASharedBlock) {
+  Ka_Buffer a = MakeBuffer("abcdef"), b(a);
+  EXPECT_EQ(b.SetSize(2), 2);
+  EXPECT_EQ(a.GetLength(), 2) << "every sharer sees the new length (deliberate)";
+  EXPECT_EQ(b.SetSize(32), 32) << "up to the capacity";
+  EXPECT_EQ(b.SetSize(33), 32) << "above it: nothing";
+  EXPECT_EQ(b.SetSize(-1), 32) << "negative: nothing";
+  EXPECT_EQ(a.GetPtr(0), b.GetPtr(0));
+  Ka_Buffer empty;
+  EXPECT_EQ(empty.SetSize(0), 0);
+  EXPECT_EQ(empty.SetSize(5), 0);
+  EXPECT_EQ(static_cast<const void*>(empty), nullptr);
+}
+
+TEST(BufferSize, AddSizeGrowsOrShrinksThroughGetSafeBuffer) {
+  RunEdits({
+      {kFive, EDIT(b.AddSize(-2)), "abc", 3},       //
+      {kFive, EDIT(b.AddSize(-9)), kFive, 5},       // below 0: only made private
+      {kFive, EDIT(b.AddSize(0)), kFive, 5},        //
+  });
+  Ka_Buffer none;
+  EXPECT_EQ(none.AddSize(3), 3) << "an empty buffer gets a block";
+  Ka_Buffer b = MakeBuffer(kFive);
+  EXPECT_EQ(b.AddSize(30), 35);
+  EXPECT_EQ(Bytes(b).substr(0, 5), kFive);
+}
+
+TEST(BufferBytes, ReadsOutsideTheLengthGiveZero) {
+  const Ka_Buffer b = MakeBuffer("\x01\xFF");
+  struct Row {
+    long i;
+    unsigned char expected;
+  } rows[] = {{LONG_MIN, 0}, {-1, 0}, {0, 1}, {1, 0xFF}, {2, 0}, {LONG_MAX, 0}};
+  for (const Row& r : rows) {
+    EXPECT_EQ(b.GetAt(r.i), r.expected) << r.i;
+    EXPECT_EQ(b[r.i], r.expected) << r.i;
+  }
+  EXPECT_EQ(b[1], 0xFF);
+  EXPECT_EQ(b[size_t(1)], 0xFF);
+  EXPECT_EQ(b[static_cast<unsigned long long>(-1)], 0);
+  EXPECT_EQ(Ka_Buffer().GetAt(0), 0);
+}
+
+TEST(BufferBytes, ViewsAreTheDataPointer) {
+  const Ka_Buffer b = MakeBuffer("text");
+  const unsigned char* data = b;
+  EXPECT_EQ(static_cast<const void*>(b), data);
+  EXPECT_STREQ(static_cast<const char*>(b), "text") << "readable as a C string after Set";
+  EXPECT_EQ(reinterpret_cast<const void*>(static_cast<const ka_wchar*>(b)), data);
+  EXPECT_EQ(b.GetPtr(2), data + 2);
+}
+
+TEST(BufferLimits, OversizedRequestsLeaveTheBufferAsItWas) {
+  RunEdits({
+      {kFive, DO(b.Set(nullptr, Ka_Buffer::kMaxLength + 1)), kFive, 0},     //
+      {kFive, DO(b.Append(nullptr, Ka_Buffer::kMaxLength - 4)), kFive, 0},  // the sum is one too many
+      {kFive, DO(b.Insert(0, nullptr, LONG_MAX)), kFive, 0},                //
+      {kFive, EDIT(b.AddSize(LONG_MAX)), kFive, 5},                         // no overflow of the sum
+      {kFive, EDIT(b.GetSafeBuffer(LONG_MAX) == nullptr), kFive, 1},        //
+  });
+}
+
+TEST(BufferOrder, CompareReadsTheLargerLengthButNothingOutsideEitherBlock) {
+  // a: "a" + 39 zeros; b: "a" alone, over 31 zero bytes of its block.
+  const Ka_Buffer longZeros = MakeBuffer("a" + std::string(39, '\0'));
+  Ka_Buffer shortA = MakeBuffer("a" + std::string(31, '\0'));
+  shortA.SetSize(1);
+  Ka_Buffer stale = MakeBuffer("abc");
+  stale.SetSize(1);
+  // A key from the heap, whose block ends at its capacity of 16384.
+  Ka_Buffer heapKey = MakeBuffer("a" + std::string(16383, '\0'));
+  heapKey.SetSize(1);
+  const Ka_Buffer heapItem = MakeBuffer("a" + std::string(19998, '\0') + "z");
+  const Ka_Buffer empty, zeroFirst = MakeBuffer(std::string("\0x", 2));
+  struct Row {
+    Ka_Buffer item;
+    Ka_Buffer key;
+    int expected;
+  } rows[] = {
+      {empty, empty, 0},                            // neither owns anything
+      {empty, zeroFirst, 0},                        // only the first byte decides (deliberate)
+      {zeroFirst, empty, 0},                        //
+      {MakeBuffer("a"), empty, 1},                  //
+      {empty, MakeBuffer("a"), -1},                 //
+      {MakeBuffer("abc"), MakeBuffer("abd"), -1},   // unsigned bytes
+      {MakeBuffer("\xFF"), MakeBuffer("a"), 1},     //
+      {MakeBuffer("ab"), MakeBuffer("abc"), -1},    // the shorter one's zero takes part
+      {stale, MakeBuffer("abc"), 0},                // bytes past the length take part (deliberate)
+      {longZeros, shortA, 0},                       // past the shorter length, inside its block
+      {heapItem, heapKey, 1},                       // past the key's capacity: zeros, not its memory
+      {heapKey, heapItem, -1},                      //
+  };
+  for (const Row& r : rows) {
+    EXPECT_EQ(r.item.Compare(r.key), r.expected) << Bytes(r.item).size() << " against " << Bytes(r.key).size();
+  }
+}
+
+TEST(BufferThreads, CopiesOfOneBlockAreWrittenInManyThreads) {
+  const Ka_Buffer source = MakeBuffer(std::string(100, 'x'));
+  std::vector<std::thread> threads;
+  std::vector<std::string> seen(4);
+  for (int t = 0; t < 4; ++t)
+    threads.emplace_back([&, t] {
+      for (int k = 0; k < 500; ++k) {
+        Ka_Buffer copy(source);
+        copy.SetAt(k % 100, static_cast<unsigned char>('a' + t));
+        copy.Append(U("!"), 1);
+        if (k == 499) seen[t] = Bytes(copy);
+      }
+    });
+  for (std::thread& t : threads) t.join();
+  EXPECT_EQ(Bytes(source), std::string(100, 'x'));
+  for (int t = 0; t < 4; ++t) EXPECT_EQ(seen[t], std::string(99, 'x') + char('a' + t) + "!");
+  EXPECT_EQ(Refs(source), 1);
+}
+
+}  // namespace

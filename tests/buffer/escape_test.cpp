@@ -1,0 +1,295 @@
+// Quoting, XML and URL escaping of both string widths: the mappings, the
+// deliberate oddities, sharing of unchanged text, round trips, and decoding
+// of malformed and arbitrary text held in memory of exactly its size. The
+// rules in which the widths differ come last.
+#include <random>
+#include <string>
+
+#include "buffer/buffer_support.h"
+
+namespace {
+
+template <class S>
+class Escape : public ::testing::Test {
+ protected:
+  // Numeric entities and the wide EncodeUrl use the locale code page.
+  LocaleCodePage utf8{65001};
+};
+TYPED_TEST_SUITE(Escape, BothWidths);
+
+// The decoders that take a text, on a private and a shared string: each row
+// is the text, the member (0: DecodeXml, 1: DecodeUrl) and the result.
+template <class S>
+void ExpectDecodes(int member, const std::string& text, const std::string& expected, int n = -2) {
+  SCOPED_TRACE("\"" + text + "\"");
+  // A terminator only where the length is to be measured.
+  const ExactText<CharOf<S>> exact(n == -1 ? Chars<S>(text) + CharOf<S>(0) : Chars<S>(text));
+  const int length = n == -2 ? exact.size() : n;
+  OnPrivateAndSharedString<S>("previous", [&](S& s) {
+    if (member == 0)
+      s.DecodeXml(exact.get(), length);
+    else
+      s.DecodeUrl(exact.get(), length);
+    EXPECT_EQ(Text(s), expected);
+  });
+  if (n != -2) return;
+  // The string forms give the same; the const forms leave their object alone.
+  const S source = Make<S>(text);
+  S fromString = Make<S>("previous");
+  const S decoded = member == 0 ? source.DecodeXml() : source.DecodeUrl();
+  if (member == 0)
+    fromString.DecodeXml(source);
+  else
+    fromString.DecodeUrl(source);
+  EXPECT_EQ(Text(fromString), expected);
+  EXPECT_EQ(Text(decoded), expected);
+  EXPECT_EQ(Text(source), text);
+}
+
+TYPED_TEST(Escape, QuoteStrEscapesTheQuoteAndBackslashOnly) {
+  typedef TypeParam S;
+  typedef CharOf<S> C;
+  struct Row {
+    std::string text;
+    char quote;
+    std::string quoted;
+  } rows[] = {
+      {"", '"', ""},                               // empty: no quotes (deliberate)
+      {"abc", '"', "\"abc\""},                     //
+      {"a\"b\\c", '"', "\"a\\\"b\\\\c\""},         // a backslash before each quote and backslash
+      {"it's", '\'', "'it\\'s'"},                  //
+      {"say \"x\"", '\'', "'say \"x\"'"},          // the other quote is not escaped
+      {"it's", 'x', "\"it's\""},                   // any other argument: the double quote
+      {std::string("a\0b", 3), '"', std::string("\"a\0b\"", 5)},  // zeros are text
+  };
+  for (const Row& r : rows) {
+    const S s = Make<S>(r.text);
+    EXPECT_EQ(Text(s.QuoteStr(C(r.quote))), r.quoted) << r.text;
+  }
+  const S empty;
+  EXPECT_EQ(empty.QuoteStr(C('"')).GetData(), nullptr);
+}
+
+TYPED_TEST(Escape, UnQuoteStrDropsEscapesAndTheClosingQuote) {
+  typedef TypeParam S;
+  struct Row {
+    std::string text;
+    std::string plain;
+  } rows[] = {
+      {"", ""},                                  // empty
+      {"abc", "abc"},                            // no opening quote: unchanged
+      {"\"", ""},                                // a quote alone
+      {"\"abc\"", "abc"},                        //
+      {"'it\\'s'", "it's"},                      // an escaped inner quote
+      {"\"abc", "abc"},                          // no closing quote: the last character stays
+      {"'abc\"", "abc\""},                       // a different closing quote is text
+      {"\"a\"b\"", "a\"b"},                      // an unescaped inner quote is text
+      {"\"a\\\\b\"", "a\\b"},                    // an escaped backslash
+      {"\"a\\n\"", "an"},                        // any escaped character is itself
+      {"\"ab\\\"", "ab\""},                      // an escaped last quote is kept
+      {"\"ab\\", "ab"},                          // a final backslash goes
+      {std::string("\"a\0b\"", 5), "a"},         // the length ends at the first zero
+  };
+  for (const Row& r : rows) EXPECT_EQ(Text(Make<S>(r.text).UnQuoteStr()), r.plain) << r.text;
+  const S plain = Make<S>("abc");
+  EXPECT_EQ(plain.UnQuoteStr().GetData(), plain.GetData()) << "unchanged text is shared";
+  for (const char* text : {"", "a", "x\"y'z\\", "\\\\", "'\"'"}) {
+    const S s = Make<S>(text);
+    EXPECT_EQ(Text(s.QuoteStr('"').UnQuoteStr()), text) << "round trip of " << text;
+    EXPECT_EQ(Text(s.QuoteStr('\'').UnQuoteStr()), text) << "round trip of " << text;
+  }
+}
+
+TYPED_TEST(Escape, EncodeXmlEscapesMarkupBlanksAndLineEnds) {
+  typedef TypeParam S;
+  struct Row {
+    std::string text;
+    std::string encoded;
+  } rows[] = {
+      {"", ""},                                                       //
+      {"a b", "a&#32;b"},                                             // blanks too (deliberate)
+      {"<&>", "&lt;&amp;&gt;"},                                       //
+      {"\"'", "&quot;&apos;"},                                        //
+      {"\t\n\r", "&#9;&#10;&#13;"},                                   // line ends and tabs too (deliberate)
+      {std::string("x\0\x7F", 3), std::string("x\0\x7F", 3)},        // other characters are copied
+  };
+  for (const Row& r : rows) EXPECT_EQ(Text(Make<S>(r.text).EncodeXml()), r.encoded) << r.text;
+  const S plain = Make<S>("plain.text");
+  EXPECT_EQ(plain.EncodeXml().GetData(), plain.GetData()) << "nothing to escape: shared";
+}
+
+TYPED_TEST(Escape, DecodeXmlReadsNamedAndNumericEntities) {
+  typedef TypeParam S;
+  struct Row {
+    std::string text;
+    std::string decoded;
+  } rows[] = {
+      {"", ""},                                         // empty text
+      {"plain", "plain"},                               // no "&": copied
+      {"&lt;&gt;&amp;&quot;&apos;", "<>&\"'"},           // the five names
+      {"&LT;&Amp;", "&LT;&Amp;"},                       // case sensitive
+      {"&foo;", "&foo;"},                               // unknown entities are text
+      {"&amp;lt;", "&lt;"},                             // decoded once
+      {"&", "&"},                                       // "&" at the end
+      {"a&l", "a&l"},                                   // a name cut short by the end
+      {"&#", "&#"},                                     // a lone "&#"
+      {"&#65", "&#65"},                                 // no ";" after it: text
+      {"&#65;", "A"},                                   //
+      {"&#x41;", "A"},                                  //
+      {"&#X4a;", "J"},                                  //
+      {"&#x30;", "\x03"},                               // "0" ends the number (deliberate)
+      {"&#x19;", "\x01"},                               // "9" ends it too (deliberate)
+      {"&#65 and;b", "Ab"},                             // the first ";" anywhere after it ends the entity
+      {"&# 66;", "B"},                                  // leading blanks, as atoi reads
+      {"&#+67;", "C"},                                  // a sign
+      {"&#6x6;", "\x06"},                               // digits up to the first other character
+      {"&#65601;", "A"},                                // the low 16 bits: 65601 = 0x10041
+      {"&#4294967361;", "A"},                           // huge: still the low 16 bits (2^32 + 65)
+      {"x&#;y", "x"},                                   // no digits: 0, which ends the text
+      {"&#x;", ""},                                     //
+      {"a&#0;b", "a"},                                  // a decoded zero ends the text
+      {"&#&#65;", ""},                                  // one entity up to the ";": no number, 0
+      {std::string("a\0&lt;", 6), "a"},                 // a zero in the text ends the result
+  };
+  for (const Row& r : rows) ExpectDecodes<S>(0, r.text, r.decoded);
+  ExpectDecodes<S>(0, "&lt;xx", "&lt", 3);  // n bounds the text: the name is cut short
+  ExpectDecodes<S>(0, "&#65;", "&#6", 3);   // and so is the ";"
+  ExpectDecodes<S>(0, "abc", "", 0);        // n = 0 empties
+  ExpectDecodes<S>(0, "a&lt;", "a<", -1);   // n < 0: up to the terminator
+  const S plain = Make<S>("no entities");
+  EXPECT_EQ(plain.DecodeXml().GetData(), plain.GetData()) << "nothing to decode: shared";
+}
+
+TYPED_TEST(Escape, EncodeUrlKeepsItsSetAndPercentEncodesTheRest) {
+  typedef TypeParam S;
+  struct Row {
+    std::string text;
+    std::string encoded;
+  } rows[] = {
+      {"", ""},                                           //
+      {"a b-c", "a%20b%2Dc"},                             // "-" is escaped (deliberate)
+      {"~/?#&=+%", "%7E%2F%3F%23%26%3D%2B%25"},           // so is "~" (deliberate)
+      {"09:;AZaz$_.!*'()", "09:;AZaz$_.!*'()"},           // the whole kept set
+      {"<>", "%3C%3E"},                                   // just past the run "0" to ";"
+      {"\x01\x1F\x7F", "%01%1F%7F"},                      // control characters
+  };
+  for (const Row& r : rows) EXPECT_EQ(Text(Make<S>(r.text).EncodeUrl()), r.encoded) << r.text;
+  const S plain = Make<S>("kept.as(is)");
+  EXPECT_EQ(plain.EncodeUrl().GetData(), plain.GetData()) << "nothing to escape: shared";
+}
+
+TYPED_TEST(Escape, DecodeUrlTurnsEveryPairIntoAByte) {
+  typedef TypeParam S;
+  struct Row {
+    std::string text;
+    std::string decoded;
+  } rows[] = {
+      {"", ""},                          //
+      {"a+b%41", "a+bA"},                // "+" stays (deliberate)
+      {"%2d%2D", "--"},                  // either case
+      {"%zz", "S"},                      // no pair is rejected: 35 x 16 + 35 = 0x253
+      {"%H1", "\x11"},                   // 17 x 16 + 1, truncated to 8 bits
+      {"%%41", "T1"},                    // "%" as a digit: -11 x 16 + 4 = -172, 0x54
+      {"%00x", ""},                      // "%00" ends the text
+      {"100%", "100%"},                  // "%" at the end is text
+      {"%4", "%4"},                      // and with one character after it
+      {"a%4", "a%4"},                    //
+  };
+  for (const Row& r : rows) ExpectDecodes<S>(1, r.text, r.decoded);
+  ExpectDecodes<S>(1, "%41", "%4", 2);  // n bounds the pair
+  const S plain = Make<S>("no percent");
+  EXPECT_EQ(plain.DecodeUrl().GetData(), plain.GetData()) << "nothing to decode: shared";
+}
+
+TYPED_TEST(Escape, DecodersMayReadTheirOwnText) {
+  typedef TypeParam S;
+  OnPrivateAndSharedString<S>("a&lt;b", [](S& s) {
+    s.DecodeXml(s);
+    EXPECT_EQ(Text(s), "a<b");
+  });
+  OnPrivateAndSharedString<S>("%41%42", [](S& s) {
+    s.DecodeUrl(static_cast<const CharOf<S>*>(s), s.GetLength());
+    EXPECT_EQ(Text(s), "AB");
+  });
+}
+
+TYPED_TEST(Escape, EncodingThenDecodingGivesTheTextBack) {
+  typedef TypeParam S;
+  std::mt19937 random(3);
+  for (int round = 0; round < 500; ++round) {
+    std::string text;
+    const size_t length = random() % 40;
+    for (size_t i = 0; i < length; ++i) text.push_back(static_cast<char>(1 + random() % 127));  // ASCII, no zero
+    const S s = Make<S>(text);
+    ASSERT_EQ(Text(s.EncodeXml().DecodeXml()), text);
+    ASSERT_EQ(Text(s.EncodeUrl().DecodeUrl()), text);
+  }
+}
+
+TYPED_TEST(Escape, MalformedTextDecodesWithinItsBounds) {
+  typedef TypeParam S;
+  std::mt19937 random(9);
+  const std::string pool = "&#x;%0123456789aAfFgG`lt;amp;quot; \t";
+  for (int round = 0; round < 3000; ++round) {
+    const size_t length = random() % 16;
+    std::string text;
+    for (size_t i = 0; i < length; ++i) text.push_back(round % 3 == 0 ? static_cast<char>(random()) : pool[random() % pool.size()]);
+    const ExactText<CharOf<S>> exact(Chars<S>(text));
+    S xml, url;
+    xml.DecodeXml(exact.get(), exact.size());
+    url.DecodeUrl(exact.get(), exact.size());
+    ASSERT_LE(xml.GetLength(), exact.size()) << text;
+    ASSERT_LE(url.GetLength(), exact.size()) << text;
+  }
+}
+
+// ---- Where the widths differ ------------------------------------------------------
+
+class EscapeWidths : public ::testing::Test {
+ protected:
+  LocaleCodePage utf8{65001};
+};
+
+TEST_F(EscapeWidths, NarrowNumericEntitiesAreConvertedToTheLocaleCodePage) {
+  EXPECT_EQ(Text(Ka_AString("&#233;&#44032;").DecodeXml()), "\xC3\xA9\xEA\xB0\x80");
+  EXPECT_EQ(Text(Ka_AString("&#x`;").DecodeXml()), "\t") << "the backquote is 9 (deliberate)";
+  EXPECT_EQ(Text(Ka_AString("&#x4`;").DecodeXml()), "I");
+  EXPECT_EQ(Text(Ka_AString("&#-191;").DecodeXml()), "\xEF\xBD\x81") << "-191 is U+FF41";
+  KaSetLocaleCP(1252);
+  EXPECT_EQ(Text(Ka_AString("&#233;&#8364;").DecodeXml()), "\xE9\x80");
+}
+
+TEST_F(EscapeWidths, WideNumericEntitiesAreStoredAsOneCharacter) {
+  const Ka_WString s = Ka_WString(KA_W("&#233;&#44032;&#-191;&#xACef;")).DecodeXml();
+  ASSERT_EQ(s.GetLength(), 4);
+  EXPECT_EQ(s[0], 0xE9);
+  EXPECT_EQ(s[1], 0xAC00);
+  EXPECT_EQ(s[2], 0xFF41);
+  EXPECT_EQ(s[3], 0xACEF);
+  EXPECT_EQ(Ka_WString(KA_W("&#x`;")).DecodeXml().GetLength(), 0) << "no backquote digit: 0 ends the text";
+}
+
+TEST_F(EscapeWidths, WideUrlEncodingGoesThroughTheLocaleCodePage) {
+  EXPECT_EQ(Text(Ka_WString(KA_W("\u00E9 \uAC00")).EncodeUrl()), "%C3%A9%20%EA%B0%80");
+  EXPECT_EQ(Text(Ka_AString("\xC3\xA9").EncodeUrl()), "%C3%A9") << "narrow bytes as they are";
+  EXPECT_EQ(Text(Make<Ka_AString>(std::string("a\0b", 3)).EncodeUrl()), "a%00b") << "zeros too";
+  EXPECT_EQ(Text(Make<Ka_WString>(std::string("a\0b", 3)).EncodeUrl()), "a") << "converted up to the zero";
+  KaSetLocaleCP(1252);
+  EXPECT_EQ(Text(Ka_WString(KA_W("\u00E9-")).EncodeUrl()), "%E9%2D");
+  const Ka_WString wide(KA_W("\u00E9\uAC00"));
+  EXPECT_EQ(Text(wide.EncodeXml()), Text(wide)) << "XML leaves them alone";
+  EXPECT_EQ(wide.EncodeXml()[1], 0xAC00);
+}
+
+TEST_F(EscapeWidths, UrlDigitsOfHighCharactersFollowEachWidthsCode) {
+  // Narrow characters are signed: 0xE9 is -23, below "A": -23 - 48 = -71,
+  // and -71 x 16 - 71 = -1207 gives 0x49. A wide 0xE9 is 233: 0xC9 - 55 = 146,
+  // and 146 x 17 = 2482 gives 0xB2.
+  EXPECT_EQ(Text(Ka_AString("%\xE9\xE9").DecodeUrl()), "I");
+  const Ka_WString wide = Ka_WString(KA_W("%\u00E9\u00E9%FF")).DecodeUrl();
+  ASSERT_EQ(wide.GetLength(), 2);
+  EXPECT_EQ(wide[0], 0xB2);
+  EXPECT_EQ(wide[1], 0xFF) << "a decoded byte is one character, not converted";
+}
+
+}  // namespace
