@@ -593,8 +593,9 @@ class KA_API Ka_WString {
   void MakeReverse();
 
   // Escaping, as Ka_AString's, on 16-bit characters, except: EncodeUrl, when
-  // any character needs escaping, converts the whole text to the locale code
-  // page, encodes those bytes and widens the result; a numeric XML entity is
+  // any character needs escaping, converts the text up to its first zero to
+  // the locale code page, encodes those bytes and widens the result; a
+  // numeric XML entity is
   // stored as one character, its hex digits being 1-8, A-F and a-f ("0" and
   // "9" end the number here too, deliberate); DecodeUrl stores each decoded
   // byte as one character, and a character's code is unsigned.
