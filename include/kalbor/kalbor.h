@@ -9,6 +9,7 @@
 #include <kalbor/codepage.h>
 #include <kalbor/calendar.h>
 #include <kalbor/strings.h>
+#include <kalbor/format.h>
 #include <kalbor/buffer.h>
 
 #endif  // KALBOR_KALBOR_H

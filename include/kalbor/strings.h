@@ -24,9 +24,11 @@
 #define KALBOR_STRINGS_H
 
 #include <kalbor/cstr.h>
+#include <kalbor/format.h>
 #include <kalbor/memory.h>
 #include <kalbor/platform.h>
 
+#include <cstdarg>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -350,6 +352,61 @@ class KA_API Ka_AString {
   // keeps the order of the characters (deliberate, as ka_strrevA).
   void MakeReverse();
 
+  // ---- Numbers -------------------------------------------------------------------
+
+  // The decimal text of value: no leading zeros, "-" for negatives (the most
+  // negative int included).
+  const Ka_AString& Set(int value);
+  // "0" for either zero; for binary exponents -24..64 (2^-24 <= |value| <
+  // 2^65) Format's "%.15f" without trailing zeros and a bare point (2.5,
+  // 3); otherwise "%.14e" ("1.0000000000000e+30", "1.#INF" for an infinity
+  // or a NaN). A "-" for negatives.
+  const Ka_AString& Set(double value);
+  const Ka_AString& operator=(int value) { return Set(value); }
+  const Ka_AString& operator=(double value) { return Set(value); }
+  // Append the text Set would give.
+  const Ka_AString& operator+=(int value);
+  const Ka_AString& operator+=(double value);
+  // New strings holding Set(value)'s text.
+  static Ka_AString FromInteger(int value);
+  static Ka_AString FromDouble(double value);
+  // 1 for a text of exactly four characters spelling "true" in any case;
+  // otherwise the decimal integer after ASCII white space and a sign (no
+  // hexadecimal), saturated to the int range; 0 when there is no digit.
+  int ToInteger() const;
+  // The decimal number after ASCII white space (sign, digits with a point,
+  // exponent), read through a wide copy in code page 0, correctly rounded,
+  // an infinity beyond the double range; the rest is ignored; 0.0 when there
+  // is none ("inf", "nan" and hexadecimal forms are not read).
+  double ToDouble() const;
+  // 1 when every character before the first zero is a digit or ".", with an
+  // optional sign first; deliberately loose: "-", "." and "1.2.3" pass, "1e5"
+  // does not. 0 for an empty string.
+  int IsNumber() const;
+  // 1 when the text starts with a quote whose closer (ka_findbraceA) is its
+  // last character, and deliberately also when it has no closer at all.
+  int IsString() const;
+  // 1 when the text does not start with a digit and each character before
+  // the first zero is a letter, a digit, "_" or a byte of 128 or more.
+  int IsName() const;
+
+  // ---- Formatting (kalbor/format.h) ------------------------------------------------
+
+  // This string becomes the formatted text; returns its buffer. The format
+  // and the arguments may point into this string.
+  const char* Format(const char* format, ...);
+  // The same with the arguments in args (which it leaves unread).
+  const char* Formatv(const char* format, va_list args);
+  // This string becomes value with a "," before every group of three
+  // integer digits and exactly decimals decimals, correctly rounded; a
+  // negative decimals multiplies value by 0.1 that many times and shows no
+  // decimals. decimals above KA_FORMAT_MAX_FIELD count as that bound. The
+  // second argument is deliberately ignored. Returns the length.
+  int NumFormat(double value, int ignored, int decimals);
+  // This string becomes a private copy of mask whose "@" characters take
+  // value's characters in turn, then blanks; returns the length.
+  int MaskStr(Ka_AString value, Ka_AString mask);
+
   // ---- Escaping ------------------------------------------------------------------
   // Encoders return a new string and share this one's text when nothing needs
   // escaping; they return the null string when the result would exceed
@@ -591,6 +648,39 @@ class KA_API Ka_WString {
   void MakeLower();
   // Swaps case and keeps the order (deliberate, as ka_strrevW).
   void MakeReverse();
+
+  // Numbers, as Ka_AString's, except: Set(double)'s exponent form has 15
+  // decimals ("%.15e", deliberate), ToInteger tests "true" with
+  // ka_strnicmpWA and reads the digits from a narrow copy in code page 0,
+  // ToDouble reads the text directly, and IsName tests the low 8 bits of the
+  // 16-bit character as it stands (0x00E9 passes, 0x4E00 and 0x0141 do not;
+  // deliberate).
+  const Ka_WString& Set(int value);
+  const Ka_WString& Set(double value);
+  const Ka_WString& operator=(int value) { return Set(value); }
+  const Ka_WString& operator=(double value) { return Set(value); }
+  const Ka_WString& operator+=(int value);
+  const Ka_WString& operator+=(double value);
+  static Ka_WString FromInteger(int value);
+  static Ka_WString FromDouble(double value);
+  int ToInteger() const;
+  double ToDouble() const;
+  int IsNumber() const;
+  int IsString() const;
+  int IsName() const;
+
+  // Formatting, as Ka_AString's (kalbor/format.h): a plain %s takes a wide
+  // text here too, %hs a narrow one converted through code page 0.
+  const ka_wchar* Format(const ka_wchar* format, ...);
+  const ka_wchar* Formatv(const ka_wchar* format, va_list args);
+  // Format with a narrow format, converted through code page 0 first.
+  const ka_wchar* FormatA(const char* format, ...);
+  // As Ka_AString's, but the number is printed by Ka_AString::Format's
+  // "%.*lf", with its digits and rounding ("%.0f" truncates: 1234.567 with
+  // no decimals is "1,234", deliberate), and the text converted to wide
+  // through code page 0.
+  int NumFormat(double value, int ignored, int decimals);
+  int MaskStr(Ka_WString value, Ka_WString mask);
 
   // Escaping, as Ka_AString's, on 16-bit characters, except: EncodeUrl, when
   // any character needs escaping, converts the text up to its first zero to
