@@ -13,8 +13,13 @@
 
 typedef std::basic_string<ka_wchar> WText;
 
-// A text of ka_wchar from a char16_t literal (the two differ in type on Windows).
-inline WText W(const std::u16string& s) { return WText(s.begin(), s.end()); }
+// A text of ka_wchar from a zero-terminated char16_t text (the two types
+// differ on Windows), or from a list of units (which may hold zeros).
+inline WText W(const char16_t* s) {
+  WText w;
+  for (; *s != 0; ++s) w.push_back(static_cast<ka_wchar>(*s));
+  return w;
+}
 inline WText W(std::initializer_list<unsigned> units) {
   WText w;
   for (unsigned u : units) w.push_back(static_cast<ka_wchar>(u));

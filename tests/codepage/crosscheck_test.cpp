@@ -98,7 +98,7 @@ TEST(CrossCheck, MixedTextsEncodeToPythonsBytesAndBack) {
   for (const auto& page : pages) {
     for (size_t i = 0; i < page.second.second; ++i) {
       const CrossSample& s = page.second.first[i];
-      const WText text = W(std::u16string(s.text));
+      const WText text = W(s.text);
       const std::string bytes(s.bytes, static_cast<size_t>(s.length));
       EXPECT_EQ(Hex(ToNarrow(page.first, text).text), Hex(bytes)) << page.first << " sample " << i;
       EXPECT_EQ(Hex(ToWide(page.first, bytes).text), Hex(text)) << page.first << " sample " << i;

@@ -21,7 +21,7 @@ struct EncodeRow {
 
 TEST(PageDecoding, BytesGiveTheSystemsUnits) {
   const DecodeRow rows[] = {
-      {1252, "", W({}), "empty input converts nothing"},
+      {1252, "", WText(), "empty input converts nothing"},
       {1252, "\x80\x81", W({0x20AC, 0x0081}), "0x80 is the euro; undefined 0x81 is the C1 control"},
       {874, "\xDB\xFC", W({0xF8C1, 0xF8C5}), "undefined Thai bytes are private-use units"},
       {38598, "\xE0\xFA", W({0x05D0, 0x05EA}), "38598 converts as 28598"},
@@ -72,7 +72,7 @@ TEST(PageDecoding, BytesGiveTheSystemsUnits) {
 
 TEST(PageEncoding, UnitsGiveTheSystemsBytes) {
   const EncodeRow rows[] = {
-      {1252, W({}), "", "empty input converts nothing"},
+      {1252, WText(), "", "empty input converts nothing"},
       {1252, W({0x20AC, 0x0100, 0xFF21, 0x3000}), "\x80" "AA ", "euro, then best fits"},
       {1252, W({0x4E00, 0xD83D, 0xDE00}), "???", "unmappable units, a surrogate pair unit by unit"},
       {949, W({0xAC00, 0xAC02, 0x00B7, 0x4E00}), "\xB0\xA1\x81\x41\xA1\xA4\xEC\xE9", "Hangul, UHC, symbol, hanja"},
