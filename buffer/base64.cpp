@@ -13,6 +13,7 @@
 namespace {
 
 constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr uint32_t kNotAlphabet = 0x80000000u;
 
 struct Base64Tables {
   char pairs[4096][2];  // the two characters of twelve bits
@@ -32,10 +33,11 @@ constexpr Base64Tables MakeTables() {
   for (int b = 0; b < 256; ++b) t.value[b] = -1;
   for (int v = 0; v < 64; ++v) t.value[static_cast<unsigned char>(kAlphabet[v])] = v;
   for (int b = 0; b < 256; ++b) {
-    const uint32_t v = t.value[b] < 0 ? 0 : static_cast<uint32_t>(t.value[b]);
-    t.at0[b] = v << 18;
-    t.at1[b] = v << 12;
-    t.at2[b] = v << 6;
+    // Any other byte sets a bit that no group of alphabet characters has.
+    const uint32_t v = t.value[b] < 0 ? kNotAlphabet : static_cast<uint32_t>(t.value[b]);
+    t.at0[b] = v << 18 | (v & kNotAlphabet);
+    t.at1[b] = v << 12 | (v & kNotAlphabet);
+    t.at2[b] = v << 6 | (v & kNotAlphabet);
     t.at3[b] = v;
   }
   return t;
@@ -45,7 +47,8 @@ constexpr Base64Tables kTables = MakeTables();
 
 inline bool IsAlphabet(unsigned char c) { return kTables.value[c] >= 0; }
 
-// Four bytes of one group; every one an alphabet character.
+// The 24 bits of a group of four characters, with kNotAlphabet set when
+// any of them is not an alphabet character.
 inline uint32_t Group(const unsigned char* p) {
   return kTables.at0[p[0]] | kTables.at1[p[1]] | kTables.at2[p[2]] | kTables.at3[p[3]];
 }
@@ -54,6 +57,35 @@ inline void Put3(unsigned char* out, uint32_t bits) {
   out[0] = static_cast<unsigned char>(bits >> 16);
   out[1] = static_cast<unsigned char>(bits >> 8);
   out[2] = static_cast<unsigned char>(bits);
+}
+
+// The 24 bits of a and then of b, as six bytes at out, with one store of
+// eight: out must have two bytes of room past the six.
+inline void Put6(unsigned char* out, uint32_t a, uint32_t b) {
+  uint64_t bits = uint64_t(a) << 40 | uint64_t(b) << 16;
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+  bits = __builtin_bswap64(bits);
+#endif
+  std::memcpy(out, &bits, 8);
+}
+
+// Decodes whole groups of the first `known` bytes at p into out while all
+// their characters are in the alphabet; returns the groups decoded. out has
+// room for 3 x (known / 4) bytes and two more.
+size_t DecodeGroups(const unsigned char* p, size_t known, unsigned char* out) {
+  const size_t groups = known / 4;
+  size_t g = 0;
+  for (; g + 2 <= groups; g += 2) {
+    const uint32_t a = Group(p + 4 * g), b = Group(p + 4 * g + 4);
+    if ((a | b) & kNotAlphabet) break;
+    Put6(out + 3 * g, a, b);
+  }
+  for (; g < groups; ++g) {
+    const uint32_t a = Group(p + 4 * g);
+    if (a & kNotAlphabet) break;
+    Put3(out + 3 * g, a);
+  }
+  return g;
 }
 
 // The length of the run of alphabet characters at p. The first `known`
@@ -142,10 +174,31 @@ void Ka_Buffer::_DecodeBase64(const char* text, long n) {
   Ka_Buffer keep(*this);
   Release();
   const unsigned char* p = reinterpret_cast<const unsigned char*>(text);
+  // The bytes that may be read in any order: the n given, or up to the zero.
   size_t known = n > 0 ? static_cast<size_t>(n) : std::strlen(text);
   while (*p == ' ' || *p == '\t') {
     ++p;
     if (known > 0) --known;
+  }
+  // Usually the run ends within the known bytes, close to their end: decode
+  // straight into a block sized for all of them, checking the characters
+  // as they are decoded, and keep it when the run's size falls in the same
+  // size group. Otherwise measure the run first and decode it again.
+  const size_t most = 3 * ((known + 3) / 4);
+  if (most > 0 && most <= static_cast<size_t>(kMaxLength)) {
+    unsigned char* const out = GetSafeBuffer(static_cast<long>(most));
+    if (out == nullptr) return;
+    const size_t groups = DecodeGroups(p, known, out);
+    const size_t run = 4 * groups + RunLength(p + 4 * groups, known - 4 * groups);
+    const size_t size = 3 * ((run + 3) / 4);
+    if (size > 0 && size <= most &&
+        Ka_BufferPool::GetBufferGroup(static_cast<int>(size)) == Ka_BufferPool::GetBufferGroup(static_cast<int>(most))) {
+      const size_t decoded = 3 * groups + Decode(p + 4 * groups, run - 4 * groups, out + 3 * groups);
+      out[decoded] = 0;
+      GetData()->nDataLength = static_cast<int32_t>(decoded);
+      return;
+    }
+    Release();
   }
   // Deliberately not bounded by n: the run goes on to the first non-alphabet byte.
   const size_t run = RunLength(p, known);

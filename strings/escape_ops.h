@@ -17,6 +17,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <string>
 #include <type_traits>
 
 namespace ka_detail {
@@ -153,40 +154,59 @@ struct Ka_EscapeOps {
 
   // ---- XML ---------------------------------------------------------------------
 
-  // The entity of c, or null when c is copied.
-  static const char* XmlEntity(Char c) {
-    switch (Code(c)) {
-      case '<': return "&lt;";
-      case '>': return "&gt;";
-      case '&': return "&amp;";
-      case '"': return "&quot;";
-      case '\'': return "&apos;";
-      // Blanks and line ends too, so that they survive attribute normalisation (deliberate).
-      case '\t': return "&#9;";
-      case '\n': return "&#10;";
-      case '\r': return "&#13;";
-      case ' ': return "&#32;";
-      default: return nullptr;
-    }
+  // The entity of the character with code c, or null when it is copied.
+  static const char* XmlEntity(uint32_t c) {
+    // Blanks and line ends too, so that they survive attribute normalisation (deliberate).
+    static const char* const kEntities[64] = {
+        nullptr, nullptr, nullptr, nullptr, nullptr,  nullptr, nullptr, nullptr,  nullptr, "&#9;",  "&#10;",
+        nullptr, nullptr, "&#13;", nullptr, nullptr,  nullptr, nullptr, nullptr,  nullptr, nullptr, nullptr,
+        nullptr, nullptr, nullptr, nullptr, nullptr,  nullptr, nullptr, nullptr,  nullptr, nullptr, "&#32;",
+        nullptr, "&quot;", nullptr, nullptr, nullptr, "&amp;", "&apos;", nullptr, nullptr, nullptr, nullptr,
+        nullptr, nullptr, nullptr, nullptr, nullptr,  nullptr, nullptr, nullptr,  nullptr, nullptr, nullptr,
+        nullptr, nullptr, nullptr, nullptr, nullptr,  "&lt;",  nullptr, "&gt;",  nullptr};
+    return c < 64 ? kEntities[c] : nullptr;
+  }
+
+  // The characters an entity adds to the length, for codes below 64.
+  static int XmlExtra(uint32_t c) {
+    static const unsigned char kExtra[64] = {0, 0, 0, 0, 0, 0, 0, 0, 0, 3, 4, 0, 0, 4, 0, 0,  //
+                                             0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,  //
+                                             4, 0, 5, 0, 0, 0, 4, 5, 0, 0, 0, 0, 0, 0, 0, 0,  //
+                                             0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 3, 0, 3, 0};
+    return c < 64 ? kExtra[c] : 0;
   }
 
   static S EncodeXml(const S& s) {
     const int length = s.GetLength();
     const Char* const p = Text(s);
     int64_t extra = 0;
-    for (int i = 0; i < length; ++i)
-      if (const char* e = XmlEntity(p[i])) extra += static_cast<int64_t>(std::strlen(e)) - 1;
+    for (int i = 0; i < length; ++i) extra += XmlExtra(Code(p[i]));
     if (extra == 0) return s;
     S result;
     Char* out = NewText(result, length + extra);
     if (out == nullptr) return result;
+    int plain = 0;  // the start of the characters not yet copied
     for (int i = 0; i < length; ++i) {
-      if (const char* e = XmlEntity(p[i]))
-        out = Put(out, e);
-      else
-        *out++ = p[i];
+      const char* const e = XmlEntity(Code(p[i]));
+      if (e == nullptr) continue;
+      std::memcpy(out, p + plain, static_cast<size_t>(i - plain) * sizeof(Char));
+      out = Put(out + (i - plain), e);
+      plain = i + 1;
     }
+    std::memcpy(out, p + plain, static_cast<size_t>(length - plain) * sizeof(Char));
     return result;
+  }
+
+  // The position of the first c in text[from, n), or n.
+  static int Next(const Char* text, int from, int n, Char c) {
+    // Short runs are the rule in escaped text: look at a few characters
+    // before calling the library's search.
+    const int near = from + 8 < n ? from + 8 : n;
+    for (; from < near; ++from)
+      if (text[from] == c) return from;
+    if (from == n) return n;
+    const Char* const at = std::char_traits<Char>::find(text + from, static_cast<size_t>(n - from), c);
+    return at != nullptr ? static_cast<int>(at - text) : n;
   }
 
   // Whether the m characters of the ASCII word w follow at text[i] (within n).
@@ -220,21 +240,34 @@ struct Ka_EscapeOps {
     return static_cast<uint16_t>(value);
   }
 
+  // The characters of numeric entities below 128, converted once per decoding.
+  struct UnitCache {
+    signed char count[128];
+    Char chars[128][4];
+    UnitCache() { std::memset(count, -1, sizeof count); }
+    int Put(Char* out, uint16_t unit) {
+      if (unit >= 128) return Esc::PutUnit(out, unit);
+      if (count[unit] < 0) count[unit] = static_cast<signed char>(Esc::PutUnit(chars[unit], unit));
+      std::memcpy(out, chars[unit], static_cast<size_t>(count[unit]) * sizeof(Char));
+      return count[unit];
+    }
+  };
+
   // The n >= 1 characters of text, decoded, into s.
   static void DecodeXml(S& s, const Char* text, int n) {
     const S keep(s);  // text may lie in s's block
     s.Empty();
     Char* const out = s.GetSafeBuffer(n);  // entities never grow: "&#;" (3) is the shortest, giving one
     if (out == nullptr) return;
+    UnitCache units;
     int w = 0;
     int semicolon = -1;  // the first ';' at or after the last search start; n when there is none
     for (int i = 0; i < n;) {
-      const Char c = text[i];
-      if (c != Char('&')) {
-        out[w++] = c;
-        ++i;
-        continue;
-      }
+      const int amp = Next(text, i, n, Char('&'));
+      std::memcpy(out + w, text + i, static_cast<size_t>(amp - i) * sizeof(Char));
+      w += amp - i;
+      i = amp;
+      if (i == n) break;
       if (Follows(text, n, i + 1, "lt;", 3)) {
         out[w++] = Char('<');
         i += 4;
@@ -253,24 +286,21 @@ struct Ka_EscapeOps {
       } else if (i + 1 < n && text[i + 1] == Char('#')) {
         // Searches start at increasing positions: a ';' found earlier is
         // still the first one until the search passes it.
-        if (semicolon < i + 2) {
-          semicolon = i + 2;
-          while (semicolon < n && text[semicolon] != Char(';')) ++semicolon;
-        }
+        if (semicolon < i + 2) semicolon = Next(text, i + 2, n, Char(';'));
         if (semicolon == n) {  // no ';' after it: "&" is text
-          out[w++] = c;
+          out[w++] = Char('&');
           ++i;
           continue;
         }
         const bool hex = text[i + 2] == Char('x') || text[i + 2] == Char('X');
         const uint16_t unit = hex ? Hex(text, i + 3, semicolon) : Decimal(text, i + 2, semicolon);
         Char scratch[4];
-        int m = Esc::PutUnit(scratch, unit);
+        int m = units.Put(scratch, unit);
         if (m > n - w) m = n - w;  // never taken: an entity is at least as long as what it gives
         for (int k = 0; k < m; ++k) out[w++] = scratch[k];
         i = semicolon + 1;
       } else {  // an unknown entity: "&" and what follows are text
-        out[w++] = c;
+        out[w++] = Char('&');
         ++i;
       }
     }
@@ -280,10 +310,11 @@ struct Ka_EscapeOps {
 
   // ---- URL ---------------------------------------------------------------------
 
+  // Whether the character with this code is kept by EncodeUrl: "0" to ";",
+  // "A" to "Z", "a" to "z" and $ _ . ! * ' ( ). "-" and "~" are not (deliberate).
   static bool UrlSafe(uint32_t code) {
-    return (code >= '0' && code <= ';') || (code >= 'A' && code <= 'Z') || (code >= 'a' && code <= 'z') ||
-           code == '$' || code == '_' || code == '.' || code == '!' || code == '*' || code == '\'' || code == '(' ||
-           code == ')';
+    static const uint32_t kKept[4] = {0, 0x0FFF4792u, 0x87FFFFFEu, 0x07FFFFFEu};  // bit c of word c / 32
+    return code < 128 && (kKept[code >> 5] >> (code & 31) & 1u) != 0;
   }
 
   static S EncodeUrl(const S& s) {
@@ -308,14 +339,19 @@ struct Ka_EscapeOps {
     if (out == nullptr) return;
     int w = 0;
     for (int i = 0; i < n;) {
-      const Char c = text[i];
-      if (c == Char('%') && n - i >= 3) {
+      // Everything but "%" is copied, "+" included: it stays "+" (deliberate).
+      const int percent = Next(text, i, n, Char('%'));
+      std::memcpy(out + w, text + i, static_cast<size_t>(percent - i) * sizeof(Char));
+      w += percent - i;
+      i = percent;
+      if (i == n) break;
+      if (n - i >= 3) {
         // Any pair gives a byte: nothing is rejected (deliberate).
         const int value = UrlDigit(text[i + 1]) * 16 + UrlDigit(text[i + 2]);
         out[w++] = static_cast<Char>(static_cast<unsigned char>(static_cast<unsigned int>(value) & 0xFFu));
         i += 3;
-      } else {  // "+" included: it stays "+" (deliberate)
-        out[w++] = c;
+      } else {  // fewer than two characters left: "%" is text
+        out[w++] = Char('%');
         ++i;
       }
     }

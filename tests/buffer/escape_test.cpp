@@ -2,6 +2,7 @@
 // deliberate oddities, sharing of unchanged text, round trips, and decoding
 // of malformed and arbitrary text held in memory of exactly its size. The
 // rules in which the widths differ come last.
+#include <cstdio>
 #include <random>
 #include <string>
 
@@ -176,6 +177,14 @@ TYPED_TEST(Escape, EncodeUrlKeepsItsSetAndPercentEncodesTheRest) {
   for (const Row& r : rows) EXPECT_EQ(Text(Make<S>(r.text).EncodeUrl()), r.encoded) << r.text;
   const S plain = Make<S>("kept.as(is)");
   EXPECT_EQ(plain.EncodeUrl().GetData(), plain.GetData()) << "nothing to escape: shared";
+  // Every ASCII character alone: kept, or "%" and its code.
+  const std::string kept = "0123456789:;ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz$_.!*'()";
+  for (int c = 1; c < 128; ++c) {
+    char escaped[4];
+    std::snprintf(escaped, sizeof escaped, "%%%02X", c);
+    const std::string one(1, static_cast<char>(c));
+    EXPECT_EQ(Text(Make<S>(one).EncodeUrl()), kept.find(one) != std::string::npos ? one : escaped) << c;
+  }
 }
 
 TYPED_TEST(Escape, DecodeUrlTurnsEveryPairIntoAByte) {
