@@ -70,4 +70,31 @@ typedef void (*Ka_DebugSink)(const ka_wchar* text);
 // sink restores the default.
 KA_API Ka_DebugSink KaSetDebugSink(Ka_DebugSink sink);
 
+// Writes Ka_WString::Format's text for fmt and the arguments to the debug
+// sink as one message; no line end is added. A null fmt writes "".
+KA_API void KaDebugMsg(const ka_wchar* fmt, ...);
+// Writes the source position prefix "file(line): " (the narrow file name
+// through code page 0; "(null)" for a null file) as one message.
+KA_API void KaDebugMsg2(const char* file, int line);
+
+// ---- CRC-32, random numbers, clock ------------------------------------------------
+
+// The reflected CRC-32 (polynomial 0xEDB88320, as zlib and PNG) of len bytes
+// at buf, continuing crc: 0 starts a computation and a previous result
+// continues it, so split buffers give the result of the whole ("123456789"
+// gives 0xCBF43926). crc unchanged when len < 1; 0 for a null buf.
+KA_API unsigned int ka_crc32(unsigned int crc, const unsigned char* buf, int len);
+// A number from lo to hi inclusive: lo + (the first rand() of Microsoft's
+// generator seeded with 0, which is 38) modulo hi - lo + 1, so every call
+// with the same arguments gives the same number (deliberate). The generator
+// is private: the application's rand() is not touched. hi - lo + 1 wraps
+// around in 32 bits: when it is 0 (the whole int range, or hi = lo - 1) the
+// result is lo; otherwise lo + 38 % |hi - lo + 1|, wrapping around too.
+KA_API int ka_random(int lo, int hi);
+// Milliseconds since the system started, truncated to 32 bits (wraps after
+// about 49.7 days): GetTickCount, or a monotonic clock elsewhere.
+KA_API unsigned int ka_getcursec();
+// The calling thread's last error code: GetLastError, or errno elsewhere.
+KA_API unsigned int ka_getlasterror();
+
 #endif  // KALBOR_UTIL_H
