@@ -1,0 +1,72 @@
+// Helpers for the formatting tests: texts of either width written as
+// bytes, and what a string holds read back as bytes.
+#ifndef KALBOR_TESTS_FORMAT_FORMAT_SUPPORT_H
+#define KALBOR_TESTS_FORMAT_FORMAT_SUPPORT_H
+
+#include <gtest/gtest.h>
+#include <kalbor/kalbor.h>
+
+#include <cstdio>
+#include <string>
+
+typedef ::testing::Types<Ka_AString, Ka_WString> BothStrings;
+
+template <class S>
+using CharOf = typename S::Traits::Char;
+
+// Text of S's width, one character per byte.
+template <class S>
+std::basic_string<CharOf<S>> Widen(const std::string& bytes) {
+  std::basic_string<CharOf<S>> out;
+  for (unsigned char b : bytes) out.push_back(static_cast<CharOf<S>>(b));
+  return out;
+}
+
+// A string of S holding exactly these bytes, zeros included.
+template <class S>
+S Make(const std::string& bytes) {
+  const auto text = Widen<S>(bytes);
+  return S(text.data(), static_cast<int>(text.size()));
+}
+
+// What s holds over its stored length: one byte per character, and a
+// character above 0xFF as <XXXX>, so that a wrong wide character shows.
+template <class S>
+std::string Bytes(const S& s) {
+  const CharOf<S>* p = s;
+  std::string out;
+  for (int i = 0; i < s.GetLength(); ++i) {
+    const unsigned c = static_cast<unsigned>(p[i]) & (sizeof(CharOf<S>) == 1 ? 0xFFu : 0xFFFFu);
+    if (c <= 0xFF) {
+      out += static_cast<char>(c);
+    } else {
+      char hex[8];
+      std::snprintf(hex, sizeof(hex), "<%04X>", c);
+      out += hex;
+    }
+  }
+  return out;
+}
+
+// s.Format(format, args...) with format widened to S; checks that Format
+// returns the string's own buffer and gives back what s holds.
+template <class S, class... A>
+std::string Formatted(const std::string& format, A... args) {
+  S s;
+  const auto f = Widen<S>(format);
+  const CharOf<S>* result = s.Format(f.c_str(), args...);
+  EXPECT_EQ(result, static_cast<const CharOf<S>*>(s));
+  return Bytes(s);
+}
+
+// format with each "%S" made the directive of a text of S's own width:
+// %hs in the narrow engine, %s in the wide one.
+template <class S>
+std::string Own(std::string format) {
+  const std::string own = sizeof(CharOf<S>) == 1 ? "%hs" : "%s";
+  for (size_t at = format.find("%S"); at != std::string::npos; at = format.find("%S", at + own.size()))
+    format.replace(at, 2, own);
+  return format;
+}
+
+#endif  // KALBOR_TESTS_FORMAT_FORMAT_SUPPORT_H
