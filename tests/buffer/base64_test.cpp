@@ -128,7 +128,7 @@ TEST(Base64Decode, RoundTripsEveryLengthAndSharedOrOwnBytes) {
   }
   // Decoding replaces the contents of a shared buffer privately, and may
   // read from the buffer's own bytes.
-  OnPrivateAndShared("Zm9vYmFy", [](Ka_Buffer& b) {
+  OnPrivateAndShared<Ka_Buffer>("Zm9vYmFy", [](Ka_Buffer& b) {
     b.DecodeBase64(b, b.GetLength());
     EXPECT_EQ(Bytes(b), "foobar");
   });

@@ -26,7 +26,7 @@ void ExpectDecodes(int member, const std::string& text, const std::string& expec
   // A terminator only where the length is to be measured.
   const ExactText<CharOf<S>> exact(n == -1 ? Chars<S>(text) + CharOf<S>(0) : Chars<S>(text));
   const int length = n == -2 ? exact.size() : n;
-  OnPrivateAndSharedString<S>("previous", [&](S& s) {
+  OnPrivateAndShared<S>("previous", [&](S& s) {
     if (member == 0)
       s.DecodeXml(exact.get(), length);
     else
@@ -212,11 +212,11 @@ TYPED_TEST(Escape, DecodeUrlTurnsEveryPairIntoAByte) {
 
 TYPED_TEST(Escape, DecodersMayReadTheirOwnText) {
   typedef TypeParam S;
-  OnPrivateAndSharedString<S>("a&lt;b", [](S& s) {
+  OnPrivateAndShared<S>("a&lt;b", [](S& s) {
     s.DecodeXml(s);
     EXPECT_EQ(Text(s), "a<b");
   });
-  OnPrivateAndSharedString<S>("%41%42", [](S& s) {
+  OnPrivateAndShared<S>("%41%42", [](S& s) {
     s.DecodeUrl(static_cast<const CharOf<S>*>(s), s.GetLength());
     EXPECT_EQ(Text(s), "AB");
   });
