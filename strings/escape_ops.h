@@ -185,21 +185,19 @@ struct Ka_EscapeOps {
     S result;
     Char* out = NewText(result, length + extra);
     if (out == nullptr) return result;
-    int plain = 0;  // the start of the characters not yet copied
     for (int i = 0; i < length; ++i) {
       const char* const e = XmlEntity(Code(p[i]));
-      if (e == nullptr) continue;
-      std::memcpy(out, p + plain, static_cast<size_t>(i - plain) * sizeof(Char));
-      out = Put(out + (i - plain), e);
-      plain = i + 1;
+      if (e == nullptr)
+        *out++ = p[i];
+      else
+        out = Put(out, e);
     }
-    std::memcpy(out, p + plain, static_cast<size_t>(length - plain) * sizeof(Char));
     return result;
   }
 
   // The position of the first c in text[from, n), or n.
   static int Next(const Char* text, int from, int n, Char c) {
-    // Short runs are the rule in escaped text: look at a few characters
+    // The ';' of an entity is usually a few characters away: look at those
     // before calling the library's search.
     const int near = from + 8 < n ? from + 8 : n;
     for (; from < near; ++from)
@@ -263,11 +261,10 @@ struct Ka_EscapeOps {
     int w = 0;
     int semicolon = -1;  // the first ';' at or after the last search start; n when there is none
     for (int i = 0; i < n;) {
-      const int amp = Next(text, i, n, Char('&'));
-      std::memcpy(out + w, text + i, static_cast<size_t>(amp - i) * sizeof(Char));
-      w += amp - i;
-      i = amp;
-      if (i == n) break;
+      if (text[i] != Char('&')) {
+        out[w++] = text[i++];
+        continue;
+      }
       if (Follows(text, n, i + 1, "lt;", 3)) {
         out[w++] = Char('<');
         i += 4;
@@ -340,11 +337,10 @@ struct Ka_EscapeOps {
     int w = 0;
     for (int i = 0; i < n;) {
       // Everything but "%" is copied, "+" included: it stays "+" (deliberate).
-      const int percent = Next(text, i, n, Char('%'));
-      std::memcpy(out + w, text + i, static_cast<size_t>(percent - i) * sizeof(Char));
-      w += percent - i;
-      i = percent;
-      if (i == n) break;
+      if (text[i] != Char('%')) {
+        out[w++] = text[i++];
+        continue;
+      }
       if (n - i >= 3) {
         // Any pair gives a byte: nothing is rejected (deliberate).
         const int value = UrlDigit(text[i + 1]) * 16 + UrlDigit(text[i + 2]);
