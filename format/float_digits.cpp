@@ -9,7 +9,7 @@
 #include <kalbor/util.h>
 
 #include <cfloat>
-#include <cmath>
+#include <cstdint>
 
 #if !defined(FLT_EVAL_METHOD) || FLT_EVAL_METHOD != 0
 #error "the digit generator needs double arithmetic without excess precision (x87: use -msse2 -mfpmath=sse)"
@@ -20,6 +20,18 @@ namespace ka_detail {
 namespace {
 // Room for every integer digit of the largest double (309 of them).
 constexpr int kIntegerArea = 320;
+
+// modf for a finite value >= 0, without the library call: below 2^52 the
+// integer part is exact as a 64-bit integer and x minus it is exact too;
+// from 2^52 up every double is an integer.
+inline double SplitFraction(double x, double* integer) {
+  if (x < 4503599627370496.0) {
+    *integer = static_cast<double>(static_cast<int64_t>(x));
+    return x - *integer;
+  }
+  *integer = x;
+  return 0.0;
+}
 }  // namespace
 
 void GenerateFloatDigits(double value, int cap, int places, bool exponentMode, Ka_FloatDigits* out) {
@@ -52,7 +64,7 @@ void GenerateFloatDigits(double value, int cap, int places, bool exponentMode, K
   }
 
   double integer;
-  double fraction = std::modf(value, &integer);
+  double fraction = SplitFraction(value, &integer);
   int point = 0;
   char reversed[kIntegerArea];
   int integerDigits = 0;
@@ -61,7 +73,7 @@ void GenerateFloatDigits(double value, int cap, int places, bool exponentMode, K
     // integer / 10 + 0.03) x 10. The loop ends: integer / 10 truncated is
     // below integer until it reaches 0, after at most 309 steps.
     while (integer != 0 && integerDigits < kIntegerArea) {
-      const double tenth = std::modf(integer / 10, &integer);
+      const double tenth = SplitFraction(integer / 10, &integer);
       reversed[integerDigits++] = static_cast<char>('0' + static_cast<int>((tenth + .03) * 10));
     }
     point = integerDigits;
@@ -86,7 +98,7 @@ void GenerateFloatDigits(double value, int cap, int places, bool exponentMode, K
   while (integerDigits > 0 && n <= cutoff) d[n++] = reversed[--integerDigits];
   while (n <= cutoff && fraction != 0) {
     double digit;
-    fraction = std::modf(fraction * 10, &digit);
+    fraction = SplitFraction(fraction * 10, &digit);
     d[n++] = static_cast<char>('0' + static_cast<int>(digit));
   }
 

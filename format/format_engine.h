@@ -26,7 +26,7 @@
 
 namespace ka_detail {
 
-// A growing run of characters: 512 of them inline, then on the heap. It
+// A growing run of characters: 4 KB of them inline, then on the heap. It
 // refuses to grow past limit characters or when memory is refused; from then
 // on it drops everything and Failed() is true.
 template <class Char>
@@ -68,7 +68,7 @@ class Ka_FormatSink {
   bool Failed() const { return m_failed; }
 
  private:
-  static constexpr int kInline = 512;
+  static constexpr int kInline = 4096 / sizeof(Char);
 
   bool Reserve(int n) {
     if (m_failed) return false;
@@ -151,11 +151,11 @@ class Ka_FormatEngine {
 
   void Process(const Char* p) {
     for (;;) {
-      const Char* literal = p;
-      while (*p != 0 && *p != Char('%')) ++p;
-      m_out.Put(literal, static_cast<int>(p - literal));
-      if (*p == 0) return;
-      ++p;
+      const Char* const percent = Tr::FindChar(p, Char('%'));
+      const int run = percent != nullptr ? static_cast<int>(percent - p) : Tr::Length(p);
+      m_out.Put(p, run);
+      if (percent == nullptr) return;
+      p = percent + 1;
       Ka_Directive d;
       Parse(p, d);
       const Char conversion = *p;
