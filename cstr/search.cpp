@@ -37,13 +37,25 @@ typename T::Char* LastOf(const typename T::Char* s, int c) {
 }
 
 // The leftmost occurrence of pat in s; s itself for a null or empty pat.
+// The text is measured window by window as the search goes, the windows
+// doubling in size, so that a call costs about as much as the text up to
+// the match: a caller that searches again from just past each match stays
+// linear in the text, however long it is.
 template <class T, bool kFold>
 typename T::Char* Occurrence(const typename T::Char* s, const typename T::Char* pat) {
   const size_t m = LengthOrZero<T>(pat);
   if (m == 0) return Writable(s);
   if (s == nullptr) return nullptr;
   Searcher<T, kFold> searcher(pat, m);
-  return Writable(searcher.Find(s, T::Length(s)));
+  size_t window = 256;  // starts examined per round
+  for (const typename T::Char* p = s;;) {
+    // Every start of this window has room for a whole match, or the text ends.
+    const size_t have = T::LengthUpTo(p, window + m - 1);
+    if (const typename T::Char* hit = searcher.Find(p, have)) return Writable(hit);
+    if (have < window + m - 1) return nullptr;
+    p += window;
+    if (window < 65536) window *= 2;
+  }
 }
 
 template <class T>

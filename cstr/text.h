@@ -9,6 +9,7 @@
 //   Value(c)       the value a comparison sees and subtracts
 //   Diff(v)        what a compared value counts as in a returned difference
 //   Length(s)      characters before the terminator of a non-null s
+//   LengthUpTo(s, limit)  the same, reading no further than limit characters
 //   Find(s, n, c)  the first of the n characters at s equal to c, or null;
 //                  stops reading at the match
 #ifndef KALBOR_CSTR_TEXT_H
@@ -30,6 +31,11 @@ struct NarrowText {
   static int Value(Char c) { return static_cast<signed char>(c); }
   static int Diff(int v) { return v; }
   static size_t Length(const Char* s) { return std::strlen(s); }
+  // memchr reads no further than the terminator it finds.
+  static size_t LengthUpTo(const Char* s, size_t limit) {
+    const void* end = std::memchr(s, 0, limit);
+    return end != nullptr ? static_cast<size_t>(static_cast<const Char*>(end) - s) : limit;
+  }
   static const Char* Find(const Char* s, size_t n, Char c) {
     return static_cast<const Char*>(std::memchr(s, static_cast<unsigned char>(c), n));
   }
@@ -53,6 +59,11 @@ struct WideText {
     }
     return static_cast<size_t>(p - s);
   }
+  static size_t LengthUpTo(const Char* s, size_t limit) {
+    size_t n = 0;
+    while (n < limit && s[n] != 0) ++n;
+    return n;
+  }
   static const Char* Find(const Char* s, size_t n, Char c) {
     for (const Char* end = s + n; s != end; ++s)
       if (*s == c) return s;
@@ -71,6 +82,7 @@ struct NarrowInWideText {
   static int Value(Char c) { return static_cast<signed char>(c); }
   static int Diff(int v) { return v & 0xFFFF; }
   static size_t Length(const Char* s) { return NarrowText::Length(s); }
+  static size_t LengthUpTo(const Char* s, size_t limit) { return NarrowText::LengthUpTo(s, limit); }
   static const Char* Find(const Char* s, size_t n, Char c) { return NarrowText::Find(s, n, c); }
 };
 

@@ -43,6 +43,27 @@ TYPED_TEST(Search, SetSearchAndSpan) {
   }
 }
 
+TYPED_TEST(Search, MatchesAroundEveryMeasuringStepAreFound) {
+  // A long text is measured a step at a time as the search goes (steps of
+  // 256, 512, ... 65536 starts); a match just before, across or just after
+  // each step's end, or only near the text's end, must be found the same.
+  typedef typename TypeParam::Char C;
+  const size_t length = 140000;
+  std::vector<size_t> at;
+  for (size_t end = 256, step = 512; end < length; end += step, step = step < 65536 ? step * 2 : step)
+    for (size_t back : {4, 2, 1, 0}) at.push_back(end - back);
+  at.push_back(length - 3);  // the last place a three-character match fits
+  Arg<C> pat("aBc");
+  for (size_t pos : at) {
+    std::basic_string<C> text(length, static_cast<C>('x'));
+    for (size_t i = 0; i < 3; ++i) text[pos + i] = static_cast<C>("abc"[i]);
+    const C* hit = TypeParam::stristr(text.c_str(), pat.p());
+    ASSERT_EQ(hit == nullptr ? -1 : hit - text.c_str(), static_cast<long>(pos));
+  }
+  const std::basic_string<C> none(length, static_cast<C>('x'));
+  EXPECT_EQ(TypeParam::stristr(none.c_str(), pat.p()), nullptr);  // absent: the whole text read
+}
+
 // Leftmost match from `from` by the obvious method, to check the fast paths
 // (first-character scan and block filter) against.
 template <class C>
