@@ -87,9 +87,11 @@ class KA_API Ka_Buffer {
 
   // Makes the block private with room for n bytes (n < 0: the current
   // length) and sets the length to n; returns the data. It keeps the bytes
-  // up to the old length and the one after it, and writes no 0. Null for
-  // n = 0 on an empty or shared buffer (which becomes empty), and null with
-  // the buffer unchanged when n is above kMaxLength or memory is refused.
+  // up to the old length and the one after it, and writes no 0 itself (a
+  // new block comes with a 0 after its n bytes, unless a kept byte lands
+  // there). Null for n = 0 on an empty or shared buffer (which becomes
+  // empty), and null with the buffer unchanged when n is above kMaxLength or
+  // memory is refused.
   unsigned char* GetSafeBuffer(long n) {
     if (n < 0) n = GetLength();
     if (!_IsPrivateWithRoom(n)) return _CopyToNewBuffer(n);
@@ -133,7 +135,8 @@ class KA_API Ka_Buffer {
   const unsigned char* GetPtr(long i) const { return m_pData != nullptr ? m_pData + i : nullptr; }
   // The same, writable; writing through it reaches every sharer.
   unsigned char* GetSafePtr(long i) { return m_pData != nullptr ? m_pData + i : nullptr; }
-  // The data; null when empty.
+  // The data; null when empty. There are four of these conversions, so a
+  // buffer does not convert to bool: test it with IsEmpty.
   operator const void*() const { return m_pData; }
   operator const unsigned char*() const { return m_pData; }
   operator const char*() const { return reinterpret_cast<const char*>(m_pData); }
