@@ -281,6 +281,7 @@ class Ka_FormatEngine {
 
   void Integer(char conversion, const Ka_Directive& d, int start) {
     // One word each; the l size reads a long, of which the low 32 bits count.
+    // q reads an int and converts exactly as no size (deliberate).
     uint32_t bits = d.size == Ka_Directive::kLong ? static_cast<uint32_t>(va_arg(m_args.ap, long))
                                                   : static_cast<uint32_t>(va_arg(m_args.ap, int));
     const bool isSigned = conversion == 'd' || conversion == 'i';
@@ -392,7 +393,8 @@ class Ka_FormatEngine {
 
   // Puts the sign in front of the text written since start and pads it to
   // the width: blanks on the left, or zeros after the sign (numbers with the
-  // 0 flag), or the pad character on the right when left-justified.
+  // 0 flag), or the pad character on the right when left-justified, zeros
+  // included ("%-05d" of 42 is "42000", deliberate).
   void Pad(int start, const Ka_Directive& d, char sign, bool number) {
     const Char pad = number && d.zero ? Char('0') : Char(' ');
     const int length = m_out.Size() - start + (sign != 0 ? 1 : 0);

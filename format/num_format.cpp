@@ -99,6 +99,7 @@ struct Ka_NumFormatOps {
 }  // namespace
 }  // namespace ka_detail
 
+// The second argument is accepted and ignored (deliberate).
 int Ka_AString::NumFormat(double value, int, int decimals) {
   return ka_detail::Ka_NumFormatOps<Ka_AString>::NumFormat(*this, value, decimals);
 }
