@@ -11,5 +11,6 @@
 #include <kalbor/strings.h>
 #include <kalbor/format.h>
 #include <kalbor/buffer.h>
+#include <kalbor/lists.h>
 
 #endif  // KALBOR_KALBOR_H
