@@ -1,5 +1,5 @@
-// Helpers for the formatting tests: texts of either width written as
-// bytes, and what a string holds read back as bytes.
+// Helpers for the formatting tests: texts of either width written as bytes,
+// what a string holds read back as bytes, and the rows of the tables.
 #ifndef KALBOR_TESTS_FORMAT_FORMAT_SUPPORT_H
 #define KALBOR_TESTS_FORMAT_FORMAT_SUPPORT_H
 
@@ -10,7 +10,6 @@
 #include <string>
 
 typedef ::testing::Types<Ka_AString, Ka_WString> BothStrings;
-
 template <class S>
 using CharOf = typename S::Traits::Char;
 
@@ -29,38 +28,32 @@ S Make(const std::string& bytes) {
   return S(text.data(), static_cast<int>(text.size()));
 }
 
-// What s holds over its stored length: one byte per character, and a
-// character above 0xFF as <XXXX>, so that a wrong wide character shows.
+// What s holds over its length, one byte per character; a character above
+// 0xFF shows as <XXXX>.
 template <class S>
 std::string Bytes(const S& s) {
   const CharOf<S>* p = s;
   std::string out;
   for (int i = 0; i < s.GetLength(); ++i) {
     const unsigned c = static_cast<unsigned>(p[i]) & (sizeof(CharOf<S>) == 1 ? 0xFFu : 0xFFFFu);
-    if (c <= 0xFF) {
-      out += static_cast<char>(c);
-    } else {
-      char hex[8];
-      std::snprintf(hex, sizeof(hex), "<%04X>", c);
-      out += hex;
-    }
+    char hex[8];
+    std::snprintf(hex, sizeof(hex), "<%04X>", c);
+    out += c <= 0xFF ? std::string(1, static_cast<char>(c)) : std::string(hex);
   }
   return out;
 }
 
-// s.Format(format, args...) with format widened to S; checks that Format
-// returns the string's own buffer and gives back what s holds.
+// s.Format(format widened, args...): what s holds, after checking that
+// Format returned s's own buffer.
 template <class S, class... A>
 std::string Formatted(const std::string& format, A... args) {
   S s;
-  const auto f = Widen<S>(format);
-  const CharOf<S>* result = s.Format(f.c_str(), args...);
+  const CharOf<S>* result = s.Format(Widen<S>(format).c_str(), args...);
   EXPECT_EQ(result, static_cast<const CharOf<S>*>(s));
   return Bytes(s);
 }
 
-// format with each "%S" made the directive of a text of S's own width:
-// %hs in the narrow engine, %s in the wide one.
+// format with each "%S" made the directive of a text of S's own width.
 template <class S>
 std::string Own(std::string format) {
   const std::string own = sizeof(CharOf<S>) == 1 ? "%hs" : "%s";
@@ -68,5 +61,17 @@ std::string Own(std::string format) {
     format.replace(at, 2, own);
   return format;
 }
+
+// Table rows: a format, its arguments, the text expected.
+struct IntRow {
+  const char* format;
+  int a, b, c;  // as many as the format reads; the rest are ignored
+  const char* expected;
+};
+struct DoubleRow {
+  const char* format;
+  double value;  // passed twice: formats with two conversions show both
+  const char* expected;
+};
 
 #endif  // KALBOR_TESTS_FORMAT_FORMAT_SUPPORT_H

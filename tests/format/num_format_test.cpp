@@ -1,6 +1,5 @@
 // NumFormat and MaskStr over both widths.
 #include <climits>
-#include <cmath>
 #include <limits>
 
 #include "format/format_support.h"
@@ -10,51 +9,36 @@ class NumberFormatting : public ::testing::Test {};
 TYPED_TEST_SUITE(NumberFormatting, BothStrings);
 
 TYPED_TEST(NumberFormatting, GroupsThousandsAndFixesTheDecimals) {
-  const double kInf = std::numeric_limits<double>::infinity();
   struct Row {
     double value;
     int decimals;
     const char* narrow;  // rounded correctly
     const char* wide;    // printed by the library's own "%.*lf" (deliberate)
   } rows[] = {
-      {0.0, 0, "0", "0"},
       {0.0, 2, "0.00", "0.00"},
       {1234567.891, 2, "1,234,567.89", "1,234,567.89"},
       {-1234.4, 0, "-1,234", "-1,234"},
-      {999.0, 1, "999.0", "999.0"},
-      {100.0, 0, "100", "100"},                // three digits: no separator
-      {1000.0, 0, "1,000", "1,000"},
+      {999.0, 1, "999.0", "999.0"},                 // three digits: no separator
       {-999999.0, 0, "-999,999", "-999,999"},
       {1e20, 0, "100,000,000,000,000,000,000", "100,000,000,000,000,000,000"},
-      {2.75, 0, "3", "2"},                     // the library's %.0f truncates
-      {0.125, 2, "0.12", "0.13"},              // a tie: to even, against half up
-      {1234567.0, -3, "1,235", "1,234"},       // scaled to 1234.567 first
-      {5e-324, INT_MIN, "0", "0"},             // scaling ends at zero
-      {kInf, 2, "inf.000", "0.1#"},            // no point: one zero more (deliberate)
+      {2.75, 0, "3", "2"},                          // the library's %.0f truncates
+      {0.125, 2, "0.12", "0.13"},                   // a tie: to even, against half up
+      {1234567.0, -3, "1,235", "1,234"},            // scaled to 1234.567 first
+      {5e-324, INT_MIN, "0", "0"},                  // scaling stops at zero
+      {std::numeric_limits<double>::infinity(), 2, "inf.000", "0.1#"},  // no point: one zero more (deliberate)
   };
   for (const Row& r : rows) {
-    TypeParam s;
-    const int length = s.NumFormat(r.value, 0, r.decimals);
     const std::string expected = sizeof(CharOf<TypeParam>) == 1 ? r.narrow : r.wide;
+    TypeParam s, ignored;
+    EXPECT_EQ(s.NumFormat(r.value, 0, r.decimals), static_cast<int>(expected.size()));
     EXPECT_EQ(Bytes(s), expected) << r.narrow;
-    EXPECT_EQ(length, static_cast<int>(expected.size()));
-    TypeParam ignored;  // the second argument changes nothing
-    ignored.NumFormat(r.value, 5, r.decimals);
+    ignored.NumFormat(r.value, 5, r.decimals);  // the second argument changes nothing
     EXPECT_EQ(Bytes(ignored), expected);
   }
-}
-
-TYPED_TEST(NumberFormatting, ManyDecimalsArePaddedWithZeros) {
   TypeParam s;
   EXPECT_EQ(s.NumFormat(1.5, 0, 1100), 1102);
-  EXPECT_EQ(Bytes(s), "1.5" + std::string(1099, '0'));
+  EXPECT_EQ(Bytes(s), "1.5" + std::string(1099, '0')) << "padded past the double's digits";
   EXPECT_EQ(s.NumFormat(1.5, 0, INT_MAX), 2 + KA_FORMAT_MAX_FIELD) << "decimals are bounded";
-}
-
-TEST(NumberFormattingNarrow, NaNPrintsWithoutAPoint) {
-  Ka_AString s;
-  s.NumFormat(std::numeric_limits<double>::quiet_NaN(), 0, 1);
-  EXPECT_EQ(Bytes(s), "nan.00");
 }
 
 TYPED_TEST(NumberFormatting, MaskFillsEachAtSignInTurn) {
@@ -63,25 +47,23 @@ TYPED_TEST(NumberFormatting, MaskFillsEachAtSignInTurn) {
     const char* mask;
     const char* expected;
   } rows[] = {
-      {"", "", ""},                                        // empty mask
-      {"", "@@", "  "},                                    // blanks once the value is used up
+      {"", "", ""},                                      // empty mask
+      {"", "@@", "  "},                                  // blanks once the value is used up
       {"0212345678", "(@@@) @@@-@@@@", "(021) 234-5678"},
       {"12", "@@-@@", "12-  "},
-      {"abcdef", "@@", "ab"},                              // the rest of the value is dropped
-      {"x", "no marks", "no marks"},
+      {"abcdef", "@@", "ab"},                            // the rest of the value is dropped
   };
   for (const Row& r : rows) {
     TypeParam s;
     const TypeParam mask = Make<TypeParam>(r.mask);
-    const TypeParam keep(mask);
     EXPECT_EQ(s.MaskStr(Make<TypeParam>(r.value), mask), static_cast<int>(std::string(r.mask).size()));
-    EXPECT_EQ(Bytes(s), r.expected) << r.mask;
-    EXPECT_EQ(Bytes(keep), r.mask) << "the mask itself is not touched";
-    if (r.mask[0] != 0) {
-      EXPECT_NE(s.GetData(), mask.GetData()) << "made private";
-    }
+    EXPECT_EQ(Bytes(s) + "|" + Bytes(mask), std::string(r.expected) + "|" + r.mask) << "the mask is not touched";
   }
   TypeParam self = Make<TypeParam>("ab");
+  const TypeParam plain = Make<TypeParam>("no marks");
+  self.MaskStr(self, plain);
+  EXPECT_NE(self.GetData(), plain.GetData()) << "made private";
+  self = Make<TypeParam>("ab");
   self.MaskStr(self, Make<TypeParam>("[@@@]"));
   EXPECT_EQ(Bytes(self), "[ab ]");
 }

@@ -19,10 +19,8 @@ TEST(Random, EveryCallStartsTheGeneratorAtSeedZero) {
     int lo, hi, expected;
   } rows[] = {
       {1, 6, 3},                         // 1 + 38 % 6
-      {0, 99, 38},
       {0, 37, 0},                        // 38 % 38
       {10, 10, 10},                      // a one-number range
-      {-5, 5, -5 + 38 % 11},
       {INT_MIN, INT_MAX, INT_MIN},       // hi - lo + 1 wraps to 0: lo
       {5, 4, 5},                         // hi = lo - 1 likewise
       {10, 0, 12},                       // a reversed range: 38 % |-9|
