@@ -18,6 +18,14 @@ const char* Ka_AString::Format(const char* format, ...) {
   return text;
 }
 
+const char* Ka_AString::FormatA(const char* format, ...) {
+  va_list args;
+  va_start(args, format);
+  const char* const text = Formatv(format, args);
+  va_end(args);
+  return text;
+}
+
 const ka_wchar* Ka_WString::Formatv(const ka_wchar* format, va_list args) {
   return ka_detail::Ka_FormatEngine<Ka_WString>::Run(*this, format, args);
 }

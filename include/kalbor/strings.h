@@ -397,6 +397,8 @@ class KA_API Ka_AString {
   const char* Format(const char* format, ...);
   // The same with the arguments in args (which it leaves unread).
   const char* Formatv(const char* format, va_list args);
+  // Format under the wide class's name for a narrow format: the same here.
+  const char* FormatA(const char* format, ...);
   // This string becomes value with a "," before every group of three
   // integer digits and exactly decimals decimals, correctly rounded; a
   // negative decimals multiplies value by 0.1 that many times and shows no

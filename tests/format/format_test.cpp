@@ -156,4 +156,7 @@ TEST(FormatWidths, TextsOfTheOtherWidthConvertThroughTheLocaleCodePage) {
   const ka_wchar* const text = s.FormatA("%d %s %hs", 42, KA_W("wide"), "narrow");
   EXPECT_EQ(text, static_cast<const ka_wchar*>(s));
   EXPECT_EQ(Bytes(s), "42 wide narrow") << "FormatA takes a narrow format";
+  Ka_AString n;
+  n.FormatA("%d %s", 42, KA_W("wide"));
+  EXPECT_EQ(Bytes(n), "42 wide");
 }
