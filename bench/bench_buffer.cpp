@@ -342,6 +342,19 @@ void BM_Ka_DecodeXmlBySize(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * state.range(0));
 }
 
+// The worst case of the ";" search: "&#" over and over with no ";" at all.
+void BM_Ka_DecodeXmlNoSemicolonBySize(benchmark::State& state) {
+  std::string hashes;
+  while (hashes.size() < static_cast<size_t>(state.range(0))) hashes += "&#1";
+  const Ka_AString text(hashes.c_str());
+  for (auto _ : state) {
+    Ka_AString decoded = text.DecodeXml();
+    benchmark::DoNotOptimize(decoded);
+  }
+  if (std::string(text.DecodeXml()) != hashes) state.SkipWithError("wrong text");
+  state.SetBytesProcessed(state.iterations() * state.range(0));
+}
+
 }  // namespace
 
 BENCHMARK(BM_Ka_Base64Encode1M);
@@ -363,3 +376,4 @@ BENCHMARK(BM_Ref_EncodeUrl1M);
 BENCHMARK(BM_Ka_DecodeUrl1M);
 BENCHMARK(BM_Ref_DecodeUrl1M);
 BENCHMARK(BM_Ka_DecodeXmlBySize)->Arg(64 << 10)->Arg(256 << 10)->Arg(1 << 20);
+BENCHMARK(BM_Ka_DecodeXmlNoSemicolonBySize)->Arg(64 << 10)->Arg(256 << 10)->Arg(1 << 20);
