@@ -35,17 +35,21 @@ struct Ka_FlatListOps {
   static int Count(const L& l) { return l.m_pData != nullptr ? Header(l)->nDataLength : 0; }
   static bool Inside(const L& l, int index) { return index >= 0 && index < Count(l); }
 
-  static void AllocBuffer(L& l, int count) {
-    l.m_pData = nullptr;
-    if (count < 1 || count > L::kMaxCount) return;
+  // A new array of count elements whose first copied ones come from `from`
+  // and whose others, up to the capacity, are zero; null when refused.
+  static T* NewArray(int count, const T* from, int copied) {
+    if (count < 1 || count > L::kMaxCount) return nullptr;
     Data* const data = Ka_BufferPool::AllocBuffer(static_cast<int>(Bytes(count)));
-    if (data == nullptr) return;
-    // The whole capacity: a reused pool unit keeps the bytes it held, and the
+    if (data == nullptr) return nullptr;
+    T* const items = reinterpret_cast<T*>(data->data());
+    if (copied > 0) std::memcpy(items, from, Bytes(copied));
+    // Up to the capacity: a reused pool unit keeps the bytes it held, and the
     // elements past the count must be zero.
-    std::memset(data->data(), 0, data->nAllocLength);
+    std::memset(items + copied, 0, data->nAllocLength - Bytes(copied));
     data->nDataLength = count;
-    l.m_pData = reinterpret_cast<T*>(data->data());
+    return items;
   }
+  static void AllocBuffer(L& l, int count) { l.m_pData = NewArray(count, nullptr, 0); }
 
   static void Release(Data* data) {
     if (data != nullptr && data->Release() < 1) Ka_BufferPool::FreeBuffer(data);
@@ -75,12 +79,11 @@ struct Ka_FlatListOps {
     // when the caller asks for fewer.
     T* const from = l.m_pData;
     const int length = count > have ? count : have;
-    AllocBuffer(l, length);
+    l.m_pData = NewArray(length, from, have);
     if (l.m_pData == nullptr && length > 0) {
       l.m_pData = from;  // refused: nothing changes
       return nullptr;
     }
-    if (have > 0) std::memcpy(l.m_pData, from, Bytes(have));
     Release(old);
     return l.m_pData;
   }

@@ -34,12 +34,6 @@ Ka_ObjList::Ka_ObjList(const Ka_ObjList& other)
 
 Ka_ObjList::~Ka_ObjList() { ReleaseList(); }
 
-int Ka_ObjList::GetAllocLength() const {
-  return m_items != nullptr ? static_cast<int>(GetListData()->nAllocLength / sizeof(void*)) : 0;
-}
-
-int Ka_ObjList::Count() const { return m_items != nullptr ? GetListData()->nDataLength / kPtr : 0; }
-
 void* Ka_ObjList::GetItem(int index) const {
   if (index < 0 || index >= Count()) return nullptr;
   Ka_ObjBufData* const slot = m_items[index];
@@ -107,16 +101,22 @@ void Ka_ObjList::LinkItem(int index, void* item) {
 
 // ---- Arrays -------------------------------------------------------------------------
 
-void Ka_ObjList::AllocListBuffer(int count) {
-  m_items = nullptr;
-  if (count < 1 || count > kMaxCount) return;
+// A new array of count positions (capacity: the size class) whose first
+// copied entries come from `from` (no reference changes) and whose other
+// entries, up to the capacity, are null; null when refused.
+Ka_ObjBufData** Ka_ObjList::_NewArray(int count, Ka_ObjBufData* const* from, int copied) {
+  if (count < 1 || count > kMaxCount) return nullptr;
   Ka_ListData* const data = Ka_BufferPool::AllocBuffer(count * kPtr);  // length count x pointer
-  if (data == nullptr) return;
-  // The whole capacity, not only count entries: a reused pool unit keeps the
+  if (data == nullptr) return nullptr;
+  Ka_ObjBufData** const items = reinterpret_cast<Ka_ObjBufData**>(data->data());
+  if (copied > 0) std::memcpy(items, from, Bytes(copied));
+  // Up to the capacity, not only the count: a reused pool unit keeps the
   // bytes it held, and the entries past the count must be null.
-  std::memset(data->data(), 0, data->nAllocLength);
-  m_items = reinterpret_cast<Ka_ObjBufData**>(data->data());
+  std::memset(items + copied, 0, data->nAllocLength - Bytes(copied));
+  return items;
 }
+
+void Ka_ObjList::AllocListBuffer(int count) { m_items = _NewArray(count, nullptr, 0); }
 
 void Ka_ObjList::ReleaseList() {
   if (m_items == nullptr) return;
@@ -156,17 +156,13 @@ Ka_ObjBufData** Ka_ObjList::GetSafeList(int count) {
   if (ka_interlocked_read(&old->nRefs) > 1) {
     // Shared: a private copy that never has fewer positions than the old array.
     const int length = count > have ? count : have;
-    AllocListBuffer(length);
+    m_items = _NewArray(length, from, have);
     if (m_items == nullptr && length > 0) {
       m_items = from;
       return nullptr;
     }
-    for (int i = 0; i < have; ++i) {
-      Ka_ObjBufData* const slot = from[i];
-      if (slot == nullptr) continue;
-      slot->AddRef(m_handler != nullptr ? &m_handler->GetPool() : nullptr);
-      m_items[i] = slot;
-    }
+    for (int i = 0; i < have; ++i)
+      if (from[i] != nullptr) from[i]->AddRef(m_handler != nullptr ? &m_handler->GetPool() : nullptr);
     // The copy holds its own references. Should the other holders have let
     // go meanwhile, this was the last reference, and the old array's item
     // references go with it.
@@ -175,12 +171,11 @@ Ka_ObjBufData** Ka_ObjList::GetSafeList(int count) {
   }
   if (count <= have) return m_items;
   if (count > GetAllocLength()) {
-    AllocListBuffer(count);
+    m_items = _NewArray(count, from, have);  // the references move with the pointers
     if (m_items == nullptr) {
       m_items = from;
       return nullptr;
     }
-    std::memcpy(m_items, from, Bytes(have));  // the references move with the pointers
     ReleaseListData(old);
     return m_items;
   }

@@ -74,25 +74,29 @@ bool IsLeadByte(const LeadBytePage*, ka_wchar) { return false; }
 bool HasHighUnit(const char*, char) { return false; }
 bool HasHighUnit(const ka_wchar* set, ka_wchar c) { return ka_strchrW(set, c) != nullptr; }
 
-// A delimiter set: a table for units below 256, the set itself for the rest.
+// A set of characters: a table for units below 256; above, the units of a
+// zero-terminated set and one more unit.
 template <class Char>
-class DelimiterSet {
+class CharSet {
  public:
-  explicit DelimiterSet(const Char* set) : m_set(set), m_high(false) {
+  explicit CharSet(const Char* set) : m_set(set), m_high(false), m_extra(0) {
     std::memset(m_low, 0, sizeof(m_low));
-    if (set == nullptr) return;
-    for (const Char* p = set; *p != 0; ++p) {
-      const unsigned int unit = Unit(*p);
-      if (unit < 256)
-        m_low[unit] = true;
+    for (const Char* p = set; p != nullptr && *p != 0; ++p) {
+      if (Unit(*p) < 256)
+        m_low[Unit(*p)] = true;
       else
         m_high = true;
     }
   }
-  // Whether the non-zero c is one of the set's characters.
+  void Add(Char c) {
+    if (Unit(c) < 256)
+      m_low[Unit(c)] = true;
+    else
+      m_extra = c;
+  }
   bool Has(Char c) const {
     const unsigned int unit = Unit(c);
-    return unit < 256 ? m_low[unit] : m_high && HasHighUnit(m_set, c);
+    return unit < 256 ? m_low[unit] : c == m_extra || (m_high && HasHighUnit(m_set, c));
   }
 
  private:
@@ -101,18 +105,20 @@ class DelimiterSet {
   }
   const Char* m_set;
   bool m_high;
+  Char m_extra;
   bool m_low[256];
 };
 
 template <class Char>
 struct ParseOptions {
-  DelimiterSet<Char> delimiters;
+  CharSet<Char> delimiters;
   Char escape;                // 0: none
   int delimiterMode;          // 1: a run of delimiters counts as one
   bool quotes, stripQuotes, dropDelimiter, brackets;
   bool dropCr;                // mode 0 and LF among the delimiters
   bool emptyLastField;        // the narrow end rule
   const LeadBytePage* leads;  // the narrow lead-byte step's page, or null
+  CharSet<Char> special;      // what plain mode does not simply copy, the terminator included
 };
 
 template <class Char>
@@ -128,7 +134,17 @@ void Scan(const Char* p, const ParseOptions<Char>& o, Char* field, Sink& sink) {
   Char close = 0;  // what ends the quoted run or the group
   int n = 0;
   bool afterDelimiter = false;
-  while (*p != 0) {
+  for (;;) {
+    if (mode == kPlain) {  // a run of ordinary characters is copied at once
+      const Char* const run = p;
+      while (!o.special.Has(*p)) ++p;
+      if (p != run) {
+        std::memcpy(field + n, run, static_cast<size_t>(p - run) * sizeof(Char));
+        n += static_cast<int>(p - run);
+        afterDelimiter = false;
+      }
+    }
+    if (*p == 0) break;
     const Char c = *p++;
     afterDelimiter = false;
     if (mode == kGroup) {  // copied as it is up to the closer; no nesting
@@ -236,6 +252,23 @@ struct Ka_StrListOps {
     return item != nullptr ? item : &Tr::Empty();
   }
 
+  // FindItem of a string made from text. The linear scan of an unsorted list
+  // compares with the handler's own rule, without a call per item.
+  static int Find(const L& l, const Char* text) {
+    S key(text);
+    if (l.m_sorted != 0) return l.FindItem(&key);
+    const Char* const k = key;
+    const int count = l.Count();
+    for (int i = 0; i < count; ++i) {
+      const Ka_ObjBufData* const slot = l.m_items[i];
+      if (slot == nullptr) continue;
+      const Char* const t = *static_cast<const S*>(const_cast<Ka_ObjBufData*>(slot)->object());
+      if (t != nullptr && k != nullptr && t[0] != k[0]) continue;  // equal texts start alike
+      if (S::Traits::Compare(t, k) == 0) return i;
+    }
+    return -1;
+  }
+
   static int Parse(L& l, const Char* text, const Char* delimiters, char escape, int delimiterMode, int quotes,
                    int stripQuotes, int dropDelimiter, int brackets) {
     Check check(l);
@@ -245,17 +278,17 @@ struct Ka_StrListOps {
     S scratch;  // the field being built
     Char* const field = scratch.GetSafeBuffer(length);
     if (field == nullptr) return 0;
-    const DelimiterSet<Char> set(delimiters);
-    const ParseOptions<Char> o = {set,
-                                  Tr::Escape(escape),
-                                  delimiterMode,
-                                  quotes != 0,
-                                  stripQuotes != 0,
-                                  dropDelimiter != 0,
-                                  brackets != 0,
-                                  delimiterMode == 0 && set.Has(Char('\n')),
-                                  Tr::kEmptyLastField,
-                                  Tr::Leads()};
+    const CharSet<Char> set(delimiters);
+    const bool dropCr = delimiterMode == 0 && set.Has(Char('\n'));
+    CharSet<Char> special(delimiters);
+    special.Add(Char(0));
+    if (quotes != 0) special.Add(Char('"')), special.Add(Char('\''));
+    if (brackets != 0) special.Add(Char('(')), special.Add(Char('[')), special.Add(Char('{'));
+    if (dropCr) special.Add(Char('\r'));
+    if (escape != 0) special.Add(Tr::Escape(escape));
+    const ParseOptions<Char> o = {set,        Tr::Escape(escape), delimiterMode,       quotes != 0,
+                                  stripQuotes != 0, dropDelimiter != 0, brackets != 0, dropCr,
+                                  Tr::kEmptyLastField, Tr::Leads(), special};
     if (l.m_sorted != 0) {  // each field by order, equal ones merged
       auto add = [&l](Char* f, int n) {
         f[n] = 0;
@@ -407,10 +440,7 @@ int Ka_AStrList::Append(const Ka_AStrList* other) {
   if (other != nullptr) AppendList(*other);
   return Count();
 }
-int Ka_AStrList::Find(const char* text) {
-  Ka_AString key(text);
-  return FindItem(&key);
-}
+int Ka_AStrList::Find(const char* text) const { return NarrowOps::Find(*this, text); }
 const Ka_AString* Ka_AStrList::GetItem(int index) const { return NarrowOps::Item(*this, index); }
 const Ka_AString* Ka_AStrList::GetItemNN(int index) const { return NarrowOps::ItemNN(*this, index); }
 Ka_AString* Ka_AStrList::GetSafeItem(int index) { return static_cast<Ka_AString*>(Ka_ObjList::GetSafeItem(index, 0)); }
@@ -447,10 +477,7 @@ int Ka_WStrList::Append(const Ka_WStrList* other) {
   if (other != nullptr) AppendList(*other);
   return Count();
 }
-int Ka_WStrList::Find(const ka_wchar* text) {
-  Ka_WString key(text);
-  return FindItem(&key);
-}
+int Ka_WStrList::Find(const ka_wchar* text) const { return WideOps::Find(*this, text); }
 const Ka_WString* Ka_WStrList::GetItem(int index) const { return WideOps::Item(*this, index); }
 const Ka_WString* Ka_WStrList::GetItemNN(int index) const { return WideOps::ItemNN(*this, index); }
 Ka_WString* Ka_WStrList::GetSafeItem(int index) { return static_cast<Ka_WString*>(Ka_ObjList::GetSafeItem(index, 0)); }

@@ -75,9 +75,11 @@ class KA_API Ka_ObjList {
   // The array's header, or null when the list owns no array.
   Ka_ListData* GetListData() const { return m_items != nullptr ? Ka_BufferData::FromData(m_items) : nullptr; }
   // The capacity in positions; 0 without array.
-  int GetAllocLength() const;
+  int GetAllocLength() const {
+    return m_items != nullptr ? static_cast<int>(GetListData()->nAllocLength / sizeof(void*)) : 0;
+  }
   // The number of positions (empty ones included); 0 without array.
-  int Count() const;
+  int Count() const { return m_items != nullptr ? GetListData()->nDataLength / static_cast<int>(sizeof(void*)) : 0; }
   // The object at index; null without array, out of range or for an empty position.
   void* GetItem(int index) const;
   void* operator[](int index) const { return GetItem(index); }
@@ -208,6 +210,7 @@ class KA_API Ka_ObjList {
  private:
   template <class L>
   friend struct ka_detail::Ka_StrListOps;
+  static Ka_ObjBufData** _NewArray(int count, Ka_ObjBufData* const* from, int copied);
   int _Compare(int index, void* key) const;
   int _AddSorted(void* item, bool link);
   int _InsertAt(int index, void* item, bool link);
@@ -243,7 +246,7 @@ class KA_API Ka_AStrList : public Ka_ObjList {
   // AppendList(*other) (nothing for null); returns Count().
   int Append(const Ka_AStrList* other);
   // The index of a string equal to text (case-sensitive), or -1.
-  int Find(const char* text);
+  int Find(const char* text) const;
   // The string at index, or null.
   const Ka_AString* GetItem(int index) const;
   // The string at index, or a static empty string; never null. The empty
@@ -305,7 +308,7 @@ class KA_API Ka_WStrList : public Ka_ObjList {
   int Add(const char* text, int codePage);
   int Insert(int index, const char* text, int codePage);
   int Append(const Ka_WStrList* other);
-  int Find(const ka_wchar* text);
+  int Find(const ka_wchar* text) const;
   const Ka_WString* GetItem(int index) const;
   const Ka_WString* GetItemNN(int index) const;
   const Ka_WString& operator[](int index) const { return *GetItemNN(index); }
