@@ -395,7 +395,8 @@ class KA_API Ka_AString {
   // This string becomes the formatted text; returns its buffer. The format
   // and the arguments may point into this string.
   const char* Format(const char* format, ...);
-  // The same with the arguments in args (which it leaves unread).
+  // The same with the arguments in args; it reads a copy of args, so the
+  // caller's list is left where it was.
   const char* Formatv(const char* format, va_list args);
   // Format under the wide class's name for a narrow format: the same here.
   const char* FormatA(const char* format, ...);
