@@ -121,6 +121,13 @@ TYPED_TEST(Parse, ReplacesTheListWithoutTouchingItsCopies) {
   EXPECT_EQ(l.GetAllocLength(), static_cast<int>(Ka_BufferPool::GetBufferGroup(big * int(sizeof(void*))) / sizeof(void*)));
 }
 
+TEST(ParseWide, DelimitersAndTheEscapeMayLieAbove255) {
+  Ka_WStrList l;
+  const ka_wchar text[] = {'x', 0x3001, 'y', 0xFFE9, 0x3001, 'z', 0}, delimiters[] = {';', 0x3001, 0};
+  EXPECT_EQ(l.Parse(text, delimiters, '\xE9', 0, 0, 0, 1, 0), 3) << "the escape 0xE9 reads as the unit 0xFFE9";
+  EXPECT_EQ(Fields(l), "3:x|y|z");
+}
+
 TEST(ParseNarrow, TheLeadByteStepNeverPairsBytes) {
   const unsigned int old = KaSetLocaleCP(932);
   Ka_AStrList l;
