@@ -78,6 +78,30 @@ struct Ka_EscapeTraits<ka_wchar> {
   static Ka_WString FromBytes(const Ka_AString& a) { return Ka_WString(a, -1, 0); }
 };
 
+// EncodeXml's entities, by character code (all below 64), and the
+// characters each adds to the length. Blanks and line ends are escaped too,
+// so that they survive attribute normalisation (deliberate).
+struct Ka_XmlEntities {
+  const char* text[64];
+  unsigned char extra[64];
+};
+constexpr Ka_XmlEntities MakeXmlEntities() {
+  const struct {
+    char c;
+    const char* entity;
+  } map[] = {{'<', "&lt;"},   {'>', "&gt;"},   {'&', "&amp;"},   {'"', "&quot;"}, {'\'', "&apos;"},
+             {'\t', "&#9;"}, {'\n', "&#10;"}, {'\r', "&#13;"}, {' ', "&#32;"}};
+  Ka_XmlEntities t{};
+  for (const auto& m : map) {
+    int length = 0;
+    while (m.entity[length] != 0) ++length;
+    t.text[static_cast<int>(m.c)] = m.entity;
+    t.extra[static_cast<int>(m.c)] = static_cast<unsigned char>(length - 1);
+  }
+  return t;
+}
+inline constexpr Ka_XmlEntities kXmlEntities = MakeXmlEntities();
+
 template <class S>
 struct Ka_EscapeOps {
   typedef typename S::Traits Tr;
@@ -154,39 +178,17 @@ struct Ka_EscapeOps {
 
   // ---- XML ---------------------------------------------------------------------
 
-  // The entity of the character with code c, or null when it is copied.
-  static const char* XmlEntity(uint32_t c) {
-    // Blanks and line ends too, so that they survive attribute normalisation (deliberate).
-    static const char* const kEntities[64] = {
-        nullptr, nullptr, nullptr, nullptr, nullptr,  nullptr, nullptr, nullptr,  nullptr, "&#9;",  "&#10;",
-        nullptr, nullptr, "&#13;", nullptr, nullptr,  nullptr, nullptr, nullptr,  nullptr, nullptr, nullptr,
-        nullptr, nullptr, nullptr, nullptr, nullptr,  nullptr, nullptr, nullptr,  nullptr, nullptr, "&#32;",
-        nullptr, "&quot;", nullptr, nullptr, nullptr, "&amp;", "&apos;", nullptr, nullptr, nullptr, nullptr,
-        nullptr, nullptr, nullptr, nullptr, nullptr,  nullptr, nullptr, nullptr,  nullptr, nullptr, nullptr,
-        nullptr, nullptr, nullptr, nullptr, nullptr,  "&lt;",  nullptr, "&gt;",  nullptr};
-    return c < 64 ? kEntities[c] : nullptr;
-  }
-
-  // The characters an entity adds to the length, for codes below 64.
-  static int XmlExtra(uint32_t c) {
-    static const unsigned char kExtra[64] = {0, 0, 0, 0, 0, 0, 0, 0, 0, 3, 4, 0, 0, 4, 0, 0,  //
-                                             0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,  //
-                                             4, 0, 5, 0, 0, 0, 4, 5, 0, 0, 0, 0, 0, 0, 0, 0,  //
-                                             0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 3, 0, 3, 0};
-    return c < 64 ? kExtra[c] : 0;
-  }
-
   static S EncodeXml(const S& s) {
     const int length = s.GetLength();
     const Char* const p = Text(s);
     int64_t extra = 0;
-    for (int i = 0; i < length; ++i) extra += XmlExtra(Code(p[i]));
+    for (int i = 0; i < length; ++i) extra += Code(p[i]) < 64 ? kXmlEntities.extra[Code(p[i])] : 0;
     if (extra == 0) return s;
     S result;
     Char* out = NewText(result, length + extra);
     if (out == nullptr) return result;
     for (int i = 0; i < length; ++i) {
-      const char* const e = XmlEntity(Code(p[i]));
+      const char* const e = Code(p[i]) < 64 ? kXmlEntities.text[Code(p[i])] : nullptr;
       if (e == nullptr)
         *out++ = p[i];
       else
