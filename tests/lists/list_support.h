@@ -1,7 +1,7 @@
 // Helpers for the list tests: a string item handler that counts live items
-// (so that every test sees leaks and double frees at the item level), lists
-// written and read as short texts, and a runner that makes an edit on a
-// private list, on one sharing its array and on one sharing its items.
+// (so that a leaked or twice-freed item fails the test), lists written and
+// read as short texts, and a runner that edits a private list, one whose
+// array another list shares and one whose items another list links.
 #ifndef KALBOR_TESTS_LISTS_LIST_SUPPORT_H
 #define KALBOR_TESTS_LISTS_LIST_SUPPORT_H
 
@@ -11,18 +11,12 @@
 #include <atomic>
 #include <string>
 
-// Narrow string items, counted; small pool blocks so that chains grow.
+// Narrow string items, counted; small pool blocks, so that chains grow.
 class CountingHandler : public Ka_ListObjHandler {
  public:
   CountingHandler() : Ka_ListObjHandler("counted", static_cast<int>(sizeof(Ka_AString)), 4) {}
-  void* _InitItem(void* object) override {
-    ++live;
-    return Strings()._InitItem(object);
-  }
-  void _FreeItem(void* object) override {
-    --live;
-    Strings()._FreeItem(object);
-  }
+  void* _InitItem(void* object) override { return ++live, Strings()._InitItem(object); }
+  void _FreeItem(void* object) override { --live, Strings()._FreeItem(object); }
   void _AssignItem(void* target, void* source) override { Strings()._AssignItem(target, source); }
   int _CompareItem(void* item, void* key) override { return Strings()._CompareItem(item, key); }
   std::atomic<int> live{0};
@@ -31,56 +25,41 @@ class CountingHandler : public Ka_ListObjHandler {
   static Ka_ListObjHandler& Strings() { return Ka_AString::_KaAStringHandler; }
 };
 
-// The list as "count:item,item,...", "~" for an empty position.
-inline std::string Show(const Ka_ObjList& l) {
+// "count:item,item,..." ("~": an empty position), one byte per character.
+template <class Item = Ka_AString>
+std::string Show(const Ka_ObjList& l, char separator = ',') {
   std::string out = std::to_string(l.Count()) + ":";
   for (int i = 0; i < l.Count(); ++i) {
-    const Ka_AString* item = static_cast<const Ka_AString*>(l.GetItem(i));
-    if (i > 0) out += ",";
-    out += item == nullptr ? "~" : item->GetLength() == 0 ? "" : static_cast<const char*>(*item);
-  }
-  return out;
-}
-inline std::string Show(const Ka_WStrList& l) {
-  std::string out = std::to_string(l.Count()) + ":";
-  for (int i = 0; i < l.Count(); ++i) {
-    if (i > 0) out += ",";
-    const Ka_WString* item = l.GetItem(i);
+    const Item* item = static_cast<const Item*>(l.GetItem(i));
+    if (i > 0) out += separator;
     if (item == nullptr) out += "~";
     for (int k = 0; item != nullptr && k < item->GetLength(); ++k) out += static_cast<char>(item->GetAt(k));
   }
   return out;
 }
+inline std::string Show(const Ka_WStrList& l, char separator = ',') { return Show<Ka_WString>(l, separator); }
 
-// Fills l from "a,~,b" ("~": an empty position; "": nothing), in that order
-// whatever its sorted flag.
+// Appends "a,~,b" ("~": an empty position; "": nothing) by position, sorted
+// list or not.
 inline void Fill(Ka_ObjList& l, const std::string& items) {
   for (size_t at = 0; !items.empty() && at <= items.size();) {
-    size_t end = items.find(',', at);
-    if (end == std::string::npos) end = items.size();
-    const std::string item = items.substr(at, end - at);
-    Ka_AString value(item.c_str());
-    l.InsertItem(l.Count(), item == "~" ? nullptr : &value);
+    const size_t end = std::min(items.find(',', at), items.size());
+    Ka_AString value(items.substr(at, end - at).c_str());
+    l.InsertItem(l.Count(), value.Compare("~") == 0 ? nullptr : &value);
     at = end + 1;
   }
 }
 
-// The array's and one slot's reference counts.
-inline int ArrayRefs(const Ka_ObjList& l) {
-  return l.GetListData() != nullptr ? ka_interlocked_read(&l.GetListData()->nRefs) : 0;
-}
-inline int SlotRefs(const Ka_ObjList& l, int i) {
-  return l.GetItem(i) != nullptr ? ka_interlocked_read(&Ka_ObjBufData::FromObject(l.GetItem(i))->refCount) : 0;
-}
+inline int ArrayRefs(const Ka_ObjList& l) { return l.GetListData() != nullptr ? l.GetListData()->nRefs : 0; }
+inline int SlotRefs(const Ka_ObjList& l, int i) { return Ka_ObjBufData::FromObject(l.GetItem(i))->refCount; }
 
-// Runs edit(l) on a counted list holding `items` alone, then on one whose
-// array another list shares, then on one whose items another list links;
-// the other list must be unchanged, and no item may outlive both lists.
+// Runs edit(l) on a counted list holding `items` alone, then sharing its
+// array with another list, then sharing its items; the other list must not
+// change, and no item may outlive the lists.
 template <class Edit>
 void OnPrivateAndShared(const std::string& items, int sorted, Edit edit) {
-  static const char* const kHow[] = {"private", "array shared", "items shared"};
   for (int how = 0; how < 3; ++how) {
-    SCOPED_TRACE(kHow[how]);
+    SCOPED_TRACE(how == 0 ? "private" : how == 1 ? "array shared" : "items shared");
     CountingHandler handler;
     {
       Ka_ObjList l(&handler, sorted), other(&handler, 0);

@@ -1,10 +1,8 @@
-// Sorted object lists: binary search for every size and probe against an
-// ordered model, insertion keeping the order and merging equal items, and
-// the search's refusals.
+// Sorted object lists: binary search for every size and key against an
+// ordered model, and insertion that keeps the order and merges equal items.
 #include <algorithm>
 #include <random>
 #include <set>
-#include <string>
 
 #include "lists/list_support.h"
 
@@ -14,13 +12,11 @@ TEST(ObjListSorted, SearchAndFindAgreeWithAnOrderedModelForEverySize) {
   CountingHandler h;
   for (int n = 0; n <= 9; ++n) {
     Ka_ObjList l(&h, 1);
-    std::vector<std::string> model;  // b, d, f, ...: every other letter
+    std::vector<std::string> model;  // b, d, f, ...
     for (int i = 0; i < n; ++i) model.push_back(std::string(1, char('b' + 2 * i)));
-    for (const std::string& text : model) {
-      Ka_AString value(text.c_str());
-      l.InsertItem(l.Count(), &value);
-    }
-    if (n == 0) l.AllocItems(0), l.AddItem(nullptr), l.Delete(0, 1);  // an array of no positions
+    Fill(l, n == 0 ? "~" : "");
+    l.Delete(0, 1);  // n = 0: an array of no positions
+    for (const std::string& text : model) Fill(l, text);
     for (char c = 'a'; c <= 'b' + 2 * n; ++c) {
       Ka_AString key(std::string(1, c).c_str());
       const auto at = std::lower_bound(model.begin(), model.end(), std::string(1, c));
@@ -29,10 +25,16 @@ TEST(ObjListSorted, SearchAndFindAgreeWithAnOrderedModelForEverySize) {
       EXPECT_EQ(l.FindItem(&key), present ? at - model.begin() : -1) << n << " items, key " << c;
     }
   }
-  EXPECT_EQ(h.live, 0);
+  Ka_ObjList fresh(&h, 1), unsorted(&h, 0);
+  Fill(unsorted, "a,k");
+  Ka_AString key("k");
+  EXPECT_EQ(fresh.SearchItem(&key), -1) << "no array";
+  EXPECT_EQ(unsorted.SearchItem(&key), -1) << "unsorted";
+  EXPECT_EQ(unsorted.FindItem(&key), 1) << "found by a linear scan";
+  EXPECT_EQ(unsorted.FindItem(nullptr), -1);
 }
 
-TEST(ObjListSorted, AddAndInsertKeepTheOrderAndMergeEqualItems) {
+TEST(ObjListSorted, AddInsertAndAddLinkKeepTheOrderAndMergeEqualItems) {
   CountingHandler h;
   {
     Ka_ObjList l(&h, 1), source(&h, 0);  // source: slots to link
@@ -57,21 +59,6 @@ TEST(ObjListSorted, AddAndInsertKeepTheOrderAndMergeEqualItems) {
     }
   }
   EXPECT_EQ(h.live, 0);
-}
-
-TEST(ObjListSorted, SearchItemRefusesWhatIsNoSortedListWithAnArray) {
-  CountingHandler h;
-  Ka_AString key("k");
-  Ka_ObjList unsorted(&h, 0), fresh(&h, 1), emptied(&h, 1);
-  Fill(unsorted, "a,k");
-  Fill(emptied, "k");
-  emptied.Delete(0, 1);
-  EXPECT_EQ(unsorted.SearchItem(&key), -1);
-  EXPECT_EQ(unsorted.FindItem(&key), 1) << "found by a linear scan";
-  EXPECT_EQ(fresh.SearchItem(&key), -1) << "no array";
-  EXPECT_EQ(emptied.SearchItem(&key), 0) << "an empty sorted list with its array";
-  EXPECT_EQ(emptied.SearchItem(nullptr), -1);
-  EXPECT_EQ(emptied.FindItem(nullptr), -1);
 }
 
 }  // namespace

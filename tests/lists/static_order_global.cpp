@@ -6,25 +6,19 @@
 namespace {
 struct EarlyLists {
   Ka_AStrList words;
-  bool emptyItemsWereEmpty;
+  bool emptyItems;
   EarlyLists() {
     words.Parse("made,before,main", ",", 0, 0, 0, 0, 1, 0);
-    emptyItemsWereEmpty = Ka_WStrList().GetItemNN(0)->GetLength() == 0 && words.GetItemNN(9)->GetData() == nullptr &&
-                          Ka_BuffList().GetItemNN(0)->IsEmpty() == 1;
+    emptyItems = Ka_WStrList()[0].GetLength() + words[9].GetLength() + Ka_BuffList()[0].GetLength() == 0;
   }
-  ~EarlyLists() {
-    // Still allowed to share, edit and free lists, and to read the empty items, after main.
+  ~EarlyLists() {  // still allowed after main: share, edit, free, read the empty items
     Ka_AStrList copy(words);
-    copy.Add("gone after main");
-    Ka_BuffList bytes;
-    bytes.Add(reinterpret_cast<const unsigned char*>("ab"), 2);
-    Ka_PtrList pointers;
-    pointers.Add(&copy);
-    if (copy.GetItemNN(99)->GetLength() + bytes.GetItemNN(-1)->GetLength() != 0) pointers.Pack();
+    copy.Add(copy.GetItemNN(99)->GetLength() == 0 ? "gone after main" : "");
+    Ka_BuffList().Add(reinterpret_cast<const unsigned char*>("ab"), 2);
   }
 };
 EarlyLists g_early;
 }  // namespace
 
 const Ka_AStrList& EarlyWords() { return g_early.words; }
-bool EarlyEmptyItemsWereEmpty() { return g_early.emptyItemsWereEmpty; }
+bool EarlyEmptyItems() { return g_early.emptyItems; }

@@ -5,12 +5,11 @@
 #include <kalbor/kalbor.h>
 
 const Ka_AStrList& EarlyWords();
-bool EarlyEmptyItemsWereEmpty();
+bool EarlyEmptyItems();
 
 TEST(ListStaticOrder, AGlobalOfAnotherUnitMadeListsBeforeMain) {
-  EXPECT_EQ(EarlyWords().Count(), 3);
   EXPECT_STREQ(static_cast<const char*>(EarlyWords()[2]), "main");
-  EXPECT_TRUE(EarlyEmptyItemsWereEmpty());
+  EXPECT_TRUE(EarlyEmptyItems());
 }
 
 int main(int argc, char** argv) {
