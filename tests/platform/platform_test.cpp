@@ -31,36 +31,31 @@ constexpr bool kWindows =
     false;
 #endif
 
-// Everything written to the process's standard error while fn runs. The
-// text goes to a file in the working directory (the test's build folder).
+// Everything written to the process's standard error while fn runs.
 template <class Fn>
 std::string CaptureStandardError(Fn fn) {
-  const char* const path = "kalbor_platform_test_stderr.tmp";
-  std::FILE* file = std::fopen(path, "w+b");
-  if (file == nullptr) return "<cannot create " + std::string(path) + ">";
+  std::FILE* file = std::tmpfile();
+  if (file == nullptr) return "<no temporary file>";
   std::fflush(stderr);
 #if defined(_WIN32)
   const int saved = _dup(_fileno(stderr));
   _dup2(_fileno(file), _fileno(stderr));
-#else
-  const int saved = dup(fileno(stderr));
-  dup2(fileno(file), fileno(stderr));
-#endif
   fn();
   std::fflush(stderr);
-#if defined(_WIN32)
   _dup2(saved, _fileno(stderr));
   _close(saved);
 #else
+  const int saved = dup(fileno(stderr));
+  dup2(fileno(file), fileno(stderr));
+  fn();
+  std::fflush(stderr);
   dup2(saved, fileno(stderr));
   close(saved);
 #endif
   std::string text;
   std::rewind(file);
-  char buf[4096];
-  for (size_t n; (n = std::fread(buf, 1, sizeof(buf), file)) > 0;) text.append(buf, n);
+  for (int c; (c = std::fgetc(file)) != EOF;) text.push_back(static_cast<char>(c));
   std::fclose(file);
-  std::remove(path);
   return text;
 }
 
@@ -78,25 +73,19 @@ long long LocalSeconds(int year, int month, int day, int hour, int minute, int s
 
 }  // namespace
 
-TEST(PlatformClock, TickCountFollowsTheWallClockInMilliseconds) {
+TEST(PlatformClock, TickCountFollowsTheWallClockInMillisecondsAndNeverRunsBackwards) {
   const uint32_t first = ka_platform::TickCount();
   const auto start = std::chrono::steady_clock::now();
   std::this_thread::sleep_for(std::chrono::milliseconds(120));
-  const uint32_t second = ka_platform::TickCount();
+  const uint32_t elapsed = ka_platform::TickCount() - first;  // unsigned: right across the wrap too
   const auto waited =
       std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start).count();
-  // Unsigned difference: correct across the 32-bit wrap too. GetTickCount
-  // advances in steps of up to about 16 ms.
-  const uint32_t elapsed = second - first;
+  // GetTickCount advances in steps of up to about 16 ms.
   EXPECT_GE(elapsed + 20, 120u);
   EXPECT_LE(elapsed, static_cast<uint32_t>(waited) + 20);
-}
-
-TEST(PlatformClock, TickCountNeverRunsBackwards) {
   uint32_t last = ka_platform::TickCount();
   for (int i = 0; i < 100000; ++i) {
     const uint32_t now = ka_platform::TickCount();
-    // Unsigned difference: a step back shows as a huge step forward.
     ASSERT_LT(now - last, 0x80000000u) << "went back from " << last << " to " << now;
     last = now;
   }
@@ -123,26 +112,17 @@ long long ReferenceLocalSeconds() {
 }
 
 TEST(PlatformClock, LocalTimeIsTheSystemsLocalTime) {
-  // The platform's time lies between two readings of the reference (whole
-  // seconds), whatever the time zone.
+  // Between two readings of the reference (whole seconds), whatever the
+  // time zone; the weekday belongs to the date (1970-01-01 was a Thursday).
   const long long before = ReferenceLocalSeconds();
   ka_platform::LocalTime t;
   ka_platform::GetLocalTime(&t);
   const long long after = ReferenceLocalSeconds();
 
-  struct { const char* field; int value, lo, hi; } ranges[] = {
-      {"month", t.month, 1, 12},   {"day", t.day, 1, 31},       {"hour", t.hour, 0, 23},
-      {"minute", t.minute, 0, 59}, {"second", t.second, 0, 60}, {"millisecond", t.millisecond, 0, 999},
-      {"weekday", t.weekday, 0, 6},
-  };
-  for (auto& r : ranges) {
-    EXPECT_GE(r.value, r.lo) << r.field;
-    EXPECT_LE(r.value, r.hi) << r.field;
-  }
+  EXPECT_TRUE(t.millisecond >= 0 && t.millisecond <= 999) << t.millisecond;
   const long long at = LocalSeconds(t.year, t.month, t.day, t.hour, t.minute, t.second);
   EXPECT_GE(at, before);
   EXPECT_LE(at, after);
-  // The weekday belongs to the date: 1970-01-01 was a Thursday (4).
   EXPECT_EQ(t.weekday, static_cast<int>((at / 86400 + 4) % 7));
 }
 
@@ -157,18 +137,15 @@ TEST(PlatformSystem, LastErrorIsTheCallingThreadsOwn) {
   std::atomic<int> stage{0};
   int otherSaw = 0;
   std::thread other([&] {
-    while (stage.load() != 1) {
-    }
+    while (stage.load() != 1) {}
     set(22);
     stage = 2;
-    while (stage.load() != 3) {
-    }
+    while (stage.load() != 3) {}
     otherSaw = ka_platform::LastError();
   });
   set(13);
   stage = 1;
-  while (stage.load() != 2) {
-  }
+  while (stage.load() != 2) {}
   const int mainSaw = ka_platform::LastError();
   stage = 3;
   other.join();
@@ -176,62 +153,41 @@ TEST(PlatformSystem, LastErrorIsTheCallingThreadsOwn) {
   EXPECT_EQ(otherSaw, 22);
 }
 
-TEST(PlatformSystem, AnsiCodePageIsTheSystemsOnWindowsAndUtf8Elsewhere) {
+TEST(PlatformSystem, AnsiCodePageAndSystemConversionsAreWindowsOnly) {
 #if defined(_WIN32)
   EXPECT_EQ(ka_platform::AnsiCodePage(), ::GetACP());
 #else
   EXPECT_EQ(ka_platform::AnsiCodePage(), 65001u);
 #endif
-}
-
-TEST(PlatformSystem, SystemConversionsExistOnlyOnWindows) {
-  const char narrow[] = "A\xE9";
   const ka_wchar wide[] = {u'A', 0xE9, 0};
   ka_wchar wout[4] = {};
   char nout[4] = {};
-  int n = -7;
-  EXPECT_EQ(ka_platform::SystemToWide(1252, narrow, 2, wout, 4, &n), kWindows);
+  int n[2] = {-7, -7};  // untouched off Windows
+  EXPECT_EQ(ka_platform::SystemToWide(1252, "A\xE9", 2, wout, 4, &n[0]), kWindows);
+  EXPECT_EQ(ka_platform::SystemToNarrow(1252, wide, 2, nout, 4, &n[1]), kWindows);
+  EXPECT_EQ(n[0], kWindows ? 2 : -7);
+  EXPECT_EQ(n[1], kWindows ? 2 : -7);
   if (kWindows) {
-    EXPECT_EQ(n, 2);
     EXPECT_EQ(std::memcmp(wout, wide, 2 * sizeof(ka_wchar)), 0);
-  } else {
-    EXPECT_EQ(n, -7);  // untouched
-  }
-  n = -7;
-  EXPECT_EQ(ka_platform::SystemToNarrow(1252, wide, 2, nout, 4, &n), kWindows);
-  if (kWindows) {
-    EXPECT_EQ(n, 2);
     EXPECT_EQ(std::string(nout, 2), "A\xE9");
-  } else {
-    EXPECT_EQ(n, -7);
   }
 }
 
 TEST(PlatformDebug, DefaultChannelIsStandardErrorAsUtf8OnlyOffWindows) {
   // A text longer than the writer's 1024-byte pieces, with three-byte
   // characters and a surrogate pair where a piece ends, must arrive whole.
-  std::u16string text;
+  const std::u16string text = std::u16string(340, u'\u3131') + u"ab\U0001F600x\xd800" + std::u16string(700, u'\u00e9');
   std::string utf8;
-  for (int i = 0; i < 340; ++i) {
-    text += u"\u3131";  // three bytes in UTF-8
-    utf8 += "\xe3\x84\xb1";
-  }
-  text += u"ab\U0001F600x\xd800";  // four bytes, then a lone surrogate
-  utf8 += "ab\xf0\x9f\x98\x80x\xef\xbf\xbd";
-  for (int i = 0; i < 700; ++i) {
-    text += u"\u00e9";
-    utf8 += "\xc3\xa9";
-  }
+  for (int i = 0; i < 340; ++i) utf8 += "\xe3\x84\xb1";  // three bytes each
+  utf8 += "ab\xf0\x9f\x98\x80x\xef\xbf\xbd";      // four bytes, then a lone surrogate's U+FFFD
+  for (int i = 0; i < 700; ++i) utf8 += "\xc3\xa9";
   std::basic_string<ka_wchar> units(text.begin(), text.end());
 
   const std::string written = CaptureStandardError([&] { ka_platform::DebugWrite(units.c_str()); });
   // On Windows the text goes to the debugger (OutputDebugStringW), not to
   // standard error.
   const std::string expected = kWindows ? std::string() : utf8;
-  size_t same = 0;
-  while (same < written.size() && same < expected.size() && written[same] == expected[same]) ++same;
-  EXPECT_EQ(written.size(), expected.size());
-  EXPECT_EQ(same, expected.size()) << "the first " << same << " bytes are right";
+  EXPECT_TRUE(written == expected) << written.size() << " bytes written of " << expected.size();
   EXPECT_EQ(CaptureStandardError([] { ka_platform::DebugWrite(nullptr); }), "");
   EXPECT_EQ(CaptureStandardError([] { ka_platform::DebugWrite(KA_W("")); }), "");
 }
@@ -240,14 +196,13 @@ TEST(PlatformByteOrder, NetworkOrderIsMostSignificantByteFirst) {
   struct { uint32_t value; unsigned char bytes[4]; } cases[] = {
       {0x01020304u, {1, 2, 3, 4}},
       {0xFF000080u, {0xFF, 0, 0, 0x80}},
-      {0u, {0, 0, 0, 0}},
   };
   for (auto& c : cases) {
     const uint32_t net = ka_platform::HostToNet32(c.value);
-    EXPECT_EQ(std::memcmp(&net, c.bytes, 4), 0) << std::hex << c.value;
-    EXPECT_EQ(ka_platform::NetToHost32(net), c.value);
     uint16_t net16;
     std::memcpy(&net16, c.bytes, 2);
+    EXPECT_EQ(std::memcmp(&net, c.bytes, 4), 0) << std::hex << c.value;
+    EXPECT_EQ(ka_platform::NetToHost32(net), c.value);
     EXPECT_EQ(ka_platform::NetToHost16(net16), (c.value >> 16) & 0xFFFF) << std::hex << c.value;
   }
 }
