@@ -4,8 +4,9 @@
 // URL encoding and decoding of 1 MB of mixed text (beside straightforward
 // std::string loops), and DecodeXml at three sizes, on mixed text and on its
 // worst case for the ";" search. Each Ka_ figure has its peers right after
-// it, under the same name with Ref or Modp in place of Ka. Throughput counts
-// the bytes or text before encoding, for decoders too.
+// it, under the same name with Peer (the scalar std::string codec or loop)
+// or Modp in place of Ka. Throughput counts the bytes or text before
+// encoding, for decoders too.
 #include <benchmark/benchmark.h>
 #include <kalbor/kalbor.h>
 
@@ -100,7 +101,7 @@ const std::string& EncodedBytes() {
   return text;
 }
 
-void BM_Ka_Base64Encode1M(benchmark::State& state) {
+void BM_Ka_Base64_Encode1M(benchmark::State& state) {
   const Ka_Buffer bytes(reinterpret_cast<const unsigned char*>(RandomBytes().data()), kSize);
   for (auto _ : state) {
     Ka_AString text = bytes.EncodeBase64();
@@ -109,7 +110,7 @@ void BM_Ka_Base64Encode1M(benchmark::State& state) {
   if (std::string(bytes.EncodeBase64()) != EncodedBytes()) state.SkipWithError("wrong text");
   state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(kSize));
 }
-void BM_Ref_Base64Encode1M(benchmark::State& state) {
+void BM_Peer_Base64_Encode1M(benchmark::State& state) {
   for (auto _ : state) {
     std::string text = RefEncode(RandomBytes());
     benchmark::DoNotOptimize(text);
@@ -117,7 +118,7 @@ void BM_Ref_Base64Encode1M(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(kSize));
 }
 
-void BM_Ka_Base64Decode1M(benchmark::State& state) {
+void BM_Ka_Base64_Decode1M(benchmark::State& state) {
   const Ka_AString text(EncodedBytes().c_str());
   Ka_Buffer bytes;
   for (auto _ : state) {
@@ -128,7 +129,7 @@ void BM_Ka_Base64Decode1M(benchmark::State& state) {
     state.SkipWithError("wrong bytes");
   state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(kSize));
 }
-void BM_Ref_Base64Decode1M(benchmark::State& state) {
+void BM_Peer_Base64_Decode1M(benchmark::State& state) {
   for (auto _ : state) {
     std::string bytes = RefDecode(EncodedBytes());
     benchmark::DoNotOptimize(bytes);
@@ -138,7 +139,7 @@ void BM_Ref_Base64Decode1M(benchmark::State& state) {
 }
 
 #if defined(KALBOR_HAVE_MODP_B64)
-void BM_Modp_Base64Encode1M(benchmark::State& state) {
+void BM_Modp_Base64_Encode1M(benchmark::State& state) {
   std::string text(modp_b64_encode_len(kSize), '\0');
   for (auto _ : state) {
     const size_t n = modp_b64_encode(&text[0], RandomBytes().data(), kSize);
@@ -148,7 +149,7 @@ void BM_Modp_Base64Encode1M(benchmark::State& state) {
   if (text.compare(0, EncodedBytes().size(), EncodedBytes()) != 0) state.SkipWithError("wrong text");
   state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(kSize));
 }
-void BM_Modp_Base64Decode1M(benchmark::State& state) {
+void BM_Modp_Base64_Decode1M(benchmark::State& state) {
   std::string bytes(modp_b64_decode_len(EncodedBytes().size()), '\0');
   size_t n = 0;
   for (auto _ : state) {
@@ -219,7 +220,7 @@ const std::string& EncodedXml() {
   return text;
 }
 
-void BM_Ka_EncodeXml1M(benchmark::State& state) {
+void BM_Ka_Escape_EncodeXml1M(benchmark::State& state) {
   const Ka_AString text(MixedText().c_str());
   for (auto _ : state) {
     Ka_AString encoded = text.EncodeXml();
@@ -228,7 +229,7 @@ void BM_Ka_EncodeXml1M(benchmark::State& state) {
   if (std::string(text.EncodeXml()) != EncodedXml()) state.SkipWithError("wrong text");
   state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(kSize));
 }
-void BM_Ref_EncodeXml1M(benchmark::State& state) {
+void BM_Peer_Escape_EncodeXml1M(benchmark::State& state) {
   for (auto _ : state) {
     std::string encoded = RefEncodeXml(MixedText());
     benchmark::DoNotOptimize(encoded);
@@ -236,7 +237,7 @@ void BM_Ref_EncodeXml1M(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(kSize));
 }
 
-void BM_Ka_DecodeXml1M(benchmark::State& state) {
+void BM_Ka_Escape_DecodeXml1M(benchmark::State& state) {
   const Ka_AString encoded(EncodedXml().c_str());
   for (auto _ : state) {
     Ka_AString text = encoded.DecodeXml();
@@ -245,7 +246,7 @@ void BM_Ka_DecodeXml1M(benchmark::State& state) {
   if (std::string(encoded.DecodeXml()) != MixedText()) state.SkipWithError("wrong text");
   state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(kSize));
 }
-void BM_Ref_DecodeXml1M(benchmark::State& state) {
+void BM_Peer_Escape_DecodeXml1M(benchmark::State& state) {
   for (auto _ : state) {
     std::string text = RefDecodeXml(EncodedXml());
     benchmark::DoNotOptimize(text);
@@ -297,7 +298,7 @@ const std::string& EncodedUrl() {
   return text;
 }
 
-void BM_Ka_EncodeUrl1M(benchmark::State& state) {
+void BM_Ka_Escape_EncodeUrl1M(benchmark::State& state) {
   const Ka_AString text(MixedText().c_str());
   for (auto _ : state) {
     Ka_AString encoded = text.EncodeUrl();
@@ -306,7 +307,7 @@ void BM_Ka_EncodeUrl1M(benchmark::State& state) {
   if (std::string(text.EncodeUrl()) != EncodedUrl()) state.SkipWithError("wrong text");
   state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(kSize));
 }
-void BM_Ref_EncodeUrl1M(benchmark::State& state) {
+void BM_Peer_Escape_EncodeUrl1M(benchmark::State& state) {
   for (auto _ : state) {
     std::string encoded = RefEncodeUrl(MixedText());
     benchmark::DoNotOptimize(encoded);
@@ -314,7 +315,7 @@ void BM_Ref_EncodeUrl1M(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(kSize));
 }
 
-void BM_Ka_DecodeUrl1M(benchmark::State& state) {
+void BM_Ka_Escape_DecodeUrl1M(benchmark::State& state) {
   const Ka_AString encoded(EncodedUrl().c_str());
   for (auto _ : state) {
     Ka_AString text = encoded.DecodeUrl();
@@ -323,7 +324,7 @@ void BM_Ka_DecodeUrl1M(benchmark::State& state) {
   if (std::string(encoded.DecodeUrl()) != MixedText()) state.SkipWithError("wrong text");
   state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(kSize));
 }
-void BM_Ref_DecodeUrl1M(benchmark::State& state) {
+void BM_Peer_Escape_DecodeUrl1M(benchmark::State& state) {
   for (auto _ : state) {
     std::string text = RefDecodeUrl(EncodedUrl());
     benchmark::DoNotOptimize(text);
@@ -333,7 +334,7 @@ void BM_Ref_DecodeUrl1M(benchmark::State& state) {
 }
 
 // Escaping is linear: 64 KB, 256 KB and 1 MB of the same text.
-void BM_Ka_DecodeXmlBySize(benchmark::State& state) {
+void BM_Ka_Escape_DecodeXmlBySize(benchmark::State& state) {
   const std::string encoded = RefEncodeXml(MixedText().substr(0, static_cast<size_t>(state.range(0))));
   const Ka_AString text(encoded.c_str());
   for (auto _ : state) {
@@ -344,7 +345,7 @@ void BM_Ka_DecodeXmlBySize(benchmark::State& state) {
 }
 
 // The worst case of the ";" search: "&#" over and over with no ";" at all.
-void BM_Ka_DecodeXmlNoSemicolonBySize(benchmark::State& state) {
+void BM_Ka_Escape_DecodeXmlNoSemicolonBySize(benchmark::State& state) {
   std::string hashes;
   while (hashes.size() < static_cast<size_t>(state.range(0))) hashes += "&#1";
   const Ka_AString text(hashes.c_str());
@@ -358,23 +359,23 @@ void BM_Ka_DecodeXmlNoSemicolonBySize(benchmark::State& state) {
 
 }  // namespace
 
-BENCHMARK(BM_Ka_Base64Encode1M);
-BENCHMARK(BM_Ref_Base64Encode1M);
+BENCHMARK(BM_Ka_Base64_Encode1M);
+BENCHMARK(BM_Peer_Base64_Encode1M);
 #if defined(KALBOR_HAVE_MODP_B64)
-BENCHMARK(BM_Modp_Base64Encode1M);
+BENCHMARK(BM_Modp_Base64_Encode1M);
 #endif
-BENCHMARK(BM_Ka_Base64Decode1M);
-BENCHMARK(BM_Ref_Base64Decode1M);
+BENCHMARK(BM_Ka_Base64_Decode1M);
+BENCHMARK(BM_Peer_Base64_Decode1M);
 #if defined(KALBOR_HAVE_MODP_B64)
-BENCHMARK(BM_Modp_Base64Decode1M);
+BENCHMARK(BM_Modp_Base64_Decode1M);
 #endif
-BENCHMARK(BM_Ka_EncodeXml1M);
-BENCHMARK(BM_Ref_EncodeXml1M);
-BENCHMARK(BM_Ka_DecodeXml1M);
-BENCHMARK(BM_Ref_DecodeXml1M);
-BENCHMARK(BM_Ka_EncodeUrl1M);
-BENCHMARK(BM_Ref_EncodeUrl1M);
-BENCHMARK(BM_Ka_DecodeUrl1M);
-BENCHMARK(BM_Ref_DecodeUrl1M);
-BENCHMARK(BM_Ka_DecodeXmlBySize)->Arg(64 << 10)->Arg(256 << 10)->Arg(1 << 20);
-BENCHMARK(BM_Ka_DecodeXmlNoSemicolonBySize)->Arg(64 << 10)->Arg(256 << 10)->Arg(1 << 20);
+BENCHMARK(BM_Ka_Escape_EncodeXml1M);
+BENCHMARK(BM_Peer_Escape_EncodeXml1M);
+BENCHMARK(BM_Ka_Escape_DecodeXml1M);
+BENCHMARK(BM_Peer_Escape_DecodeXml1M);
+BENCHMARK(BM_Ka_Escape_EncodeUrl1M);
+BENCHMARK(BM_Peer_Escape_EncodeUrl1M);
+BENCHMARK(BM_Ka_Escape_DecodeUrl1M);
+BENCHMARK(BM_Peer_Escape_DecodeUrl1M);
+BENCHMARK(BM_Ka_Escape_DecodeXmlBySize)->Arg(64 << 10)->Arg(256 << 10)->Arg(1 << 20);
+BENCHMARK(BM_Ka_Escape_DecodeXmlNoSemicolonBySize)->Arg(64 << 10)->Arg(256 << 10)->Arg(1 << 20);

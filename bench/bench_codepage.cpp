@@ -90,14 +90,14 @@ void FromWide(benchmark::State& state, unsigned cp) {
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(src.size() * 2));
 }
 
-void BM_Cp949ToUtf16(benchmark::State& state) { ToWide(state, 949); }
-void BM_Utf16ToCp949(benchmark::State& state) { FromWide(state, 949); }
-void BM_Utf8ToUtf16(benchmark::State& state) { ToWide(state, 65001); }
-void BM_Utf16ToUtf8(benchmark::State& state) { FromWide(state, 65001); }
-BENCHMARK(BM_Cp949ToUtf16)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_Utf16ToCp949)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_Utf8ToUtf16)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_Utf16ToUtf8)->Unit(benchmark::kMicrosecond);
+void BM_Ka_Codepage_Cp949ToUtf16(benchmark::State& state) { ToWide(state, 949); }
+void BM_Ka_Codepage_Utf16ToCp949(benchmark::State& state) { FromWide(state, 949); }
+void BM_Ka_Codepage_Utf8ToUtf16(benchmark::State& state) { ToWide(state, 65001); }
+void BM_Ka_Codepage_Utf16ToUtf8(benchmark::State& state) { FromWide(state, 65001); }
+BENCHMARK(BM_Ka_Codepage_Cp949ToUtf16)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Ka_Codepage_Utf16ToCp949)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Ka_Codepage_Utf8ToUtf16)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Ka_Codepage_Utf16ToUtf8)->Unit(benchmark::kMicrosecond);
 
 #ifdef KA_BENCH_ICONV
 // iconv from one encoding to another over src, into a buffer of room bytes.
@@ -134,26 +134,26 @@ std::string Utf16Bytes() {
   return b;
 }
 
-void BM_Iconv_Cp949ToUtf16(benchmark::State& state) {
+void BM_Peer_Codepage_Cp949ToUtf16(benchmark::State& state) {
   const std::string src = Narrow(949);
   Iconv(state, "CP949", "UTF-16LE", src, src.size() * 2 + 16, Text().size() * 2);
 }
-void BM_Iconv_Utf16ToCp949(benchmark::State& state) {
+void BM_Peer_Codepage_Utf16ToCp949(benchmark::State& state) {
   const size_t expected = Narrow(949).size();
   Iconv(state, "UTF-16LE", "CP949", Utf16Bytes(), expected + 16, expected);
 }
-void BM_Iconv_Utf8ToUtf16(benchmark::State& state) {
+void BM_Peer_Codepage_Utf8ToUtf16(benchmark::State& state) {
   const std::string src = Narrow(65001);
   Iconv(state, "UTF-8", "UTF-16LE", src, src.size() * 2 + 16, Text().size() * 2);
 }
-void BM_Iconv_Utf16ToUtf8(benchmark::State& state) {
+void BM_Peer_Codepage_Utf16ToUtf8(benchmark::State& state) {
   const size_t expected = Narrow(65001).size();
   Iconv(state, "UTF-16LE", "UTF-8", Utf16Bytes(), expected + 16, expected);
 }
-BENCHMARK(BM_Iconv_Cp949ToUtf16)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_Iconv_Utf16ToCp949)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_Iconv_Utf8ToUtf16)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_Iconv_Utf16ToUtf8)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Peer_Codepage_Cp949ToUtf16)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Peer_Codepage_Utf16ToCp949)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Peer_Codepage_Utf8ToUtf16)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Peer_Codepage_Utf16ToUtf8)->Unit(benchmark::kMicrosecond);
 #endif
 
 }  // namespace

@@ -66,7 +66,7 @@ void ExpectAtEnd(benchmark::State& state, const C* found, const C* text, size_t 
   if (found != text + len - (sizeof(kNeedle) - 1)) state.SkipWithError("the needle was not found at the end");
 }
 
-void BM_KaStrstrW(benchmark::State& state) {
+void BM_Ka_Cstr_StrstrW(benchmark::State& state) {
   const auto& text = WideText();
   const std::basic_string<ka_wchar> needle(kNeedle, kNeedle + sizeof(kNeedle) - 1);
   const ka_wchar* found = nullptr;
@@ -78,7 +78,7 @@ void BM_KaStrstrW(benchmark::State& state) {
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * text.size() * sizeof(ka_wchar)));
 }
 
-void BM_CrtStrstr(benchmark::State& state) {
+void BM_Peer_Cstr_StrstrW(benchmark::State& state) {
   const auto& text = Text();
   const char* found = nullptr;
   for (auto _ : state) {
@@ -89,7 +89,7 @@ void BM_CrtStrstr(benchmark::State& state) {
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * text.size()));
 }
 
-void BM_KaStristrA(benchmark::State& state) {
+void BM_Ka_Cstr_StristrA(benchmark::State& state) {
   const auto& text = Text();
   const char* found = nullptr;
   for (auto _ : state) {
@@ -100,7 +100,7 @@ void BM_KaStristrA(benchmark::State& state) {
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * text.size()));
 }
 
-void BM_CrtStrcasestr(benchmark::State& state) {
+void BM_Peer_Cstr_StristrA(benchmark::State& state) {
   const auto& text = Text();
   if (!kHaveStrcasestr) {
     state.SkipWithError("this C runtime has no strcasestr");
@@ -130,7 +130,7 @@ std::string StdReplace(const std::string& text, const std::string& from, const s
 }
 
 // Both sides start from their own copy of the text, as each must.
-void BM_KaReplaceA(benchmark::State& state) {
+void BM_Ka_Cstr_ReplaceA(benchmark::State& state) {
   const auto& text = Text();
   std::string result;
   for (auto _ : state) {
@@ -146,7 +146,7 @@ void BM_KaReplaceA(benchmark::State& state) {
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * text.size()));
 }
 
-void BM_StdStringReplace(benchmark::State& state) {
+void BM_Peer_Cstr_ReplaceA(benchmark::State& state) {
   const auto& text = Text();
   for (auto _ : state) {
     std::string copy = text;
@@ -158,9 +158,9 @@ void BM_StdStringReplace(benchmark::State& state) {
 
 }  // namespace
 
-BENCHMARK(BM_KaStrstrW)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_CrtStrstr)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_KaStristrA)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_CrtStrcasestr)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_KaReplaceA)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_StdStringReplace)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Ka_Cstr_StrstrW)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Peer_Cstr_StrstrW)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Ka_Cstr_StristrA)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Peer_Cstr_StristrA)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Ka_Cstr_ReplaceA)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Peer_Cstr_ReplaceA)->Unit(benchmark::kMicrosecond);

@@ -3,7 +3,7 @@
 // "%d %s %.3f" format, a 1 KB literal with a few conversions, results from
 // 4 KB to 4 MB to show the time per character stays flat), Set(double) and
 // Set(int) beside std::to_chars, and ka_crc32 beside zlib's crc32 on 1 MB.
-// Each Ka_ figure has its peer right after it, Std or Zlib in place of Ka.
+// Each Ka_ figure has its peer right after it, Peer in place of Ka.
 #include <benchmark/benchmark.h>
 #include <kalbor/kalbor.h>
 
@@ -33,7 +33,7 @@ void StdFormat(std::string& out, const char* format, A... args) {
 
 // ---- A short mixed format ------------------------------------------------------
 
-void BM_Ka_FormatMixed(benchmark::State& state) {
+void BM_Ka_Format_Mixed(benchmark::State& state) {
   Ka_AString s;
   int i = 0;
   for (auto _ : state) {
@@ -42,7 +42,7 @@ void BM_Ka_FormatMixed(benchmark::State& state) {
     benchmark::DoNotOptimize(static_cast<const char*>(s));
   }
 }
-void BM_Std_FormatMixed(benchmark::State& state) {
+void BM_Peer_Format_Mixed(benchmark::State& state) {
   std::string s;
   int i = 0;
   for (auto _ : state) {
@@ -52,7 +52,7 @@ void BM_Std_FormatMixed(benchmark::State& state) {
   }
 }
 // The same through the wide engine (no standard peer writes 16-bit text).
-void BM_Ka_FormatMixedWide(benchmark::State& state) {
+void BM_Ka_Format_MixedWide(benchmark::State& state) {
   Ka_WString s;
   int i = 0;
   for (auto _ : state) {
@@ -62,7 +62,7 @@ void BM_Ka_FormatMixedWide(benchmark::State& state) {
   }
 }
 // Integers only, where no floating-point digits are made.
-void BM_Ka_FormatIntegers(benchmark::State& state) {
+void BM_Ka_Format_Integers(benchmark::State& state) {
   Ka_AString s;
   int i = 0;
   for (auto _ : state) {
@@ -71,7 +71,7 @@ void BM_Ka_FormatIntegers(benchmark::State& state) {
     benchmark::DoNotOptimize(static_cast<const char*>(s));
   }
 }
-void BM_Std_FormatIntegers(benchmark::State& state) {
+void BM_Peer_Format_Integers(benchmark::State& state) {
   std::string s;
   int i = 0;
   for (auto _ : state) {
@@ -96,7 +96,7 @@ const std::string& LongFormat() {
   return format;
 }
 
-void BM_Ka_FormatLongLiteral(benchmark::State& state) {
+void BM_Ka_Format_LongLiteral(benchmark::State& state) {
   std::string format = LongFormat();
   format.replace(format.find("%s"), 2, "%hs");
   Ka_AString s;
@@ -108,7 +108,7 @@ void BM_Ka_FormatLongLiteral(benchmark::State& state) {
   }
   state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(format.size()));
 }
-void BM_Std_FormatLongLiteral(benchmark::State& state) {
+void BM_Peer_Format_LongLiteral(benchmark::State& state) {
   const std::string& format = LongFormat();
   std::string s;
   int i = 0;
@@ -122,7 +122,7 @@ void BM_Std_FormatLongLiteral(benchmark::State& state) {
 
 // ---- Long results: time per character stays flat -----------------------------------
 
-void BM_Ka_FormatLongResult(benchmark::State& state) {
+void BM_Ka_Format_LongResult(benchmark::State& state) {
   const std::string text(static_cast<size_t>(state.range(0)), 'x');
   for (auto _ : state) {
     Ka_AString s;  // a new string each time: the result's block is grown
@@ -131,7 +131,7 @@ void BM_Ka_FormatLongResult(benchmark::State& state) {
   }
   state.SetBytesProcessed(int64_t(state.iterations()) * state.range(0));
 }
-void BM_Std_FormatLongResult(benchmark::State& state) {
+void BM_Peer_Format_LongResult(benchmark::State& state) {
   const std::string text(static_cast<size_t>(state.range(0)), 'x');
   for (auto _ : state) {
     std::string s;
@@ -149,7 +149,7 @@ const std::vector<double>& Doubles() {
   return values;
 }
 
-void BM_Ka_SetDouble(benchmark::State& state) {
+void BM_Ka_Number_SetDouble(benchmark::State& state) {
   Ka_AString s;
   size_t i = 0;
   for (auto _ : state) {
@@ -157,7 +157,7 @@ void BM_Ka_SetDouble(benchmark::State& state) {
     benchmark::DoNotOptimize(static_cast<const char*>(s));
   }
 }
-void BM_Std_SetDouble(benchmark::State& state) {
+void BM_Peer_Number_SetDouble(benchmark::State& state) {
   std::string s;
   size_t i = 0;
   for (auto _ : state) {
@@ -168,7 +168,7 @@ void BM_Std_SetDouble(benchmark::State& state) {
   }
 }
 
-void BM_Ka_SetInt(benchmark::State& state) {
+void BM_Ka_Number_SetInt(benchmark::State& state) {
   Ka_AString s;
   int i = -1000000;
   for (auto _ : state) {
@@ -176,7 +176,7 @@ void BM_Ka_SetInt(benchmark::State& state) {
     benchmark::DoNotOptimize(static_cast<const char*>(s));
   }
 }
-void BM_Std_SetInt(benchmark::State& state) {
+void BM_Peer_Number_SetInt(benchmark::State& state) {
   std::string s;
   int i = -1000000;
   for (auto _ : state) {
@@ -187,7 +187,7 @@ void BM_Std_SetInt(benchmark::State& state) {
   }
 }
 
-void BM_Ka_NumFormat(benchmark::State& state) {
+void BM_Ka_Number_NumFormat(benchmark::State& state) {
   Ka_AString s;
   size_t i = 0;
   for (auto _ : state) {
@@ -208,13 +208,13 @@ const std::vector<unsigned char>& Megabyte() {
   return data;
 }
 
-void BM_Ka_Crc32(benchmark::State& state) {
+void BM_Ka_Crc32_1M(benchmark::State& state) {
   const auto& data = Megabyte();
   for (auto _ : state) benchmark::DoNotOptimize(ka_crc32(0, data.data(), static_cast<int>(data.size())));
   state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(data.size()));
 }
 #if defined(KALBOR_HAVE_ZLIB)
-void BM_Zlib_Crc32(benchmark::State& state) {
+void BM_Peer_Crc32_1M(benchmark::State& state) {
   const auto& data = Megabyte();
   if (crc32(0, data.data(), static_cast<uInt>(data.size())) != ka_crc32(0, data.data(), static_cast<int>(data.size()))) {
     state.SkipWithError("zlib and ka_crc32 disagree");
@@ -227,21 +227,21 @@ void BM_Zlib_Crc32(benchmark::State& state) {
 
 }  // namespace
 
-BENCHMARK(BM_Ka_FormatMixed);
-BENCHMARK(BM_Std_FormatMixed);
-BENCHMARK(BM_Ka_FormatMixedWide);
-BENCHMARK(BM_Ka_FormatIntegers);
-BENCHMARK(BM_Std_FormatIntegers);
-BENCHMARK(BM_Ka_FormatLongLiteral);
-BENCHMARK(BM_Std_FormatLongLiteral);
-BENCHMARK(BM_Ka_FormatLongResult)->RangeMultiplier(8)->Range(4 << 10, 4 << 20);
-BENCHMARK(BM_Std_FormatLongResult)->RangeMultiplier(8)->Range(4 << 10, 4 << 20);
-BENCHMARK(BM_Ka_SetDouble);
-BENCHMARK(BM_Std_SetDouble);
-BENCHMARK(BM_Ka_SetInt);
-BENCHMARK(BM_Std_SetInt);
-BENCHMARK(BM_Ka_NumFormat);
-BENCHMARK(BM_Ka_Crc32);
+BENCHMARK(BM_Ka_Format_Mixed);
+BENCHMARK(BM_Peer_Format_Mixed);
+BENCHMARK(BM_Ka_Format_MixedWide);
+BENCHMARK(BM_Ka_Format_Integers);
+BENCHMARK(BM_Peer_Format_Integers);
+BENCHMARK(BM_Ka_Format_LongLiteral);
+BENCHMARK(BM_Peer_Format_LongLiteral);
+BENCHMARK(BM_Ka_Format_LongResult)->RangeMultiplier(8)->Range(4 << 10, 4 << 20);
+BENCHMARK(BM_Peer_Format_LongResult)->RangeMultiplier(8)->Range(4 << 10, 4 << 20);
+BENCHMARK(BM_Ka_Number_SetDouble);
+BENCHMARK(BM_Peer_Number_SetDouble);
+BENCHMARK(BM_Ka_Number_SetInt);
+BENCHMARK(BM_Peer_Number_SetInt);
+BENCHMARK(BM_Ka_Number_NumFormat);
+BENCHMARK(BM_Ka_Crc32_1M);
 #if defined(KALBOR_HAVE_ZLIB)
-BENCHMARK(BM_Zlib_Crc32);
+BENCHMARK(BM_Peer_Crc32_1M);
 #endif

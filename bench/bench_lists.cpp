@@ -2,7 +2,7 @@
 // in the same run: adding 100,000 strings to an unsorted and to a sorted
 // list, finding them, copying a whole list, and Parse of a 1 MB
 // comma-separated text against a split into a vector. Each Ka_ figure has its
-// std peer right after it, under the same name with Std in place of Ka.
+// std peer right after it, under the same name with Peer in place of Ka.
 #include <benchmark/benchmark.h>
 #include <kalbor/kalbor.h>
 
@@ -37,14 +37,14 @@ Ka_AStrList FilledList(int sorted) {
 
 // ---- Adding 100,000 strings -------------------------------------------------
 
-void BM_Ka_AddUnsorted(benchmark::State& state) {
+void BM_Ka_Lists_AddUnsorted(benchmark::State& state) {
   for (auto _ : state) {
     Ka_AStrList l;
     for (const std::string& t : Texts()) l.Add(t.c_str());
     benchmark::DoNotOptimize(l.Count());
   }
 }
-void BM_Std_AddUnsorted(benchmark::State& state) {
+void BM_Peer_Lists_AddUnsorted(benchmark::State& state) {
   for (auto _ : state) {
     std::vector<std::string> v;
     for (const std::string& t : Texts()) v.emplace_back(t.c_str());
@@ -53,14 +53,14 @@ void BM_Std_AddUnsorted(benchmark::State& state) {
 }
 
 // A binary search and one move of pointers per string.
-void BM_Ka_AddSorted(benchmark::State& state) {
+void BM_Ka_Lists_AddSorted(benchmark::State& state) {
   for (auto _ : state) {
     Ka_AStrList l(1);
     for (const std::string& t : Texts()) l.Add(t.c_str());
     benchmark::DoNotOptimize(l.Count());
   }
 }
-void BM_Std_AddSorted(benchmark::State& state) {
+void BM_Peer_Lists_AddSorted(benchmark::State& state) {
   for (auto _ : state) {
     std::set<std::string> s;
     for (const std::string& t : Texts()) s.emplace(t.c_str());
@@ -71,25 +71,25 @@ void BM_Std_AddSorted(benchmark::State& state) {
 // ---- Finding ----------------------------------------------------------------------
 
 // Every one of the 100,000 strings, by binary search.
-void BM_Ka_FindSorted(benchmark::State& state) {
+void BM_Ka_Lists_FindSorted(benchmark::State& state) {
   const Ka_AStrList l = FilledList(1);
   for (auto _ : state)
     for (const std::string& t : Texts()) benchmark::DoNotOptimize(l.Find(t.c_str()));
 }
-void BM_Std_FindSorted(benchmark::State& state) {
+void BM_Peer_Lists_FindSorted(benchmark::State& state) {
   const std::set<std::string> s(Texts().begin(), Texts().end());
   for (auto _ : state)
     for (const std::string& t : Texts()) benchmark::DoNotOptimize(s.find(t));
 }
 
 // A linear scan per string: 1,000 of the strings, spread over the list.
-void BM_Ka_FindUnsorted(benchmark::State& state) {
+void BM_Ka_Lists_FindUnsorted(benchmark::State& state) {
   const Ka_AStrList l = FilledList(0);
   for (auto _ : state)
     for (int i = 0; i < kCount; i += kCount / 1000)
       benchmark::DoNotOptimize(l.Find(Texts()[size_t(i)].c_str()));
 }
-void BM_Std_FindUnsorted(benchmark::State& state) {
+void BM_Peer_Lists_FindUnsorted(benchmark::State& state) {
   const std::vector<std::string> v(Texts().begin(), Texts().end());
   for (auto _ : state)
     for (int i = 0; i < kCount; i += kCount / 1000)
@@ -98,21 +98,21 @@ void BM_Std_FindUnsorted(benchmark::State& state) {
 
 // ---- Copying a whole list ----------------------------------------------------------
 
-void BM_Ka_CopyList(benchmark::State& state) {
+void BM_Ka_Lists_CopyList(benchmark::State& state) {
   const Ka_AStrList l = FilledList(0);
   for (auto _ : state) {
     Ka_AStrList copy(l);
     benchmark::DoNotOptimize(copy.Count());
   }
 }
-void BM_Std_CopyList(benchmark::State& state) {
+void BM_Peer_Lists_CopyList(benchmark::State& state) {
   const std::vector<std::string> v(Texts().begin(), Texts().end());
   for (auto _ : state) {
     std::vector<std::string> copy(v);
     benchmark::DoNotOptimize(copy.size());
   }
 }
-void BM_Std_CopySet(benchmark::State& state) {
+void BM_Set_Lists_CopyList(benchmark::State& state) {
   const std::set<std::string> s(Texts().begin(), Texts().end());
   for (auto _ : state) {
     std::set<std::string> copy(s);
@@ -120,7 +120,7 @@ void BM_Std_CopySet(benchmark::State& state) {
   }
 }
 // The copy made private: its pointer array copied, the strings still shared.
-void BM_Ka_CopyListAndEdit(benchmark::State& state) {
+void BM_Ka_Lists_CopyListAndEdit(benchmark::State& state) {
   const Ka_AStrList l = FilledList(0);
   for (auto _ : state) {
     Ka_AStrList copy(l);
@@ -140,12 +140,12 @@ const std::string& CommaText() {
   return text;
 }
 
-void BM_Ka_Parse1MB(benchmark::State& state) {
+void BM_Ka_Lists_Parse1MB(benchmark::State& state) {
   Ka_AStrList l;
   for (auto _ : state) benchmark::DoNotOptimize(l.Parse(CommaText().c_str(), ",", 0, 0, 0, 0, 1, 0));
   state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(CommaText().size()));
 }
-void BM_Std_Parse1MB(benchmark::State& state) {
+void BM_Peer_Lists_Parse1MB(benchmark::State& state) {
   for (auto _ : state) {
     std::vector<std::string> fields;
     const std::string& text = CommaText();
@@ -160,17 +160,17 @@ void BM_Std_Parse1MB(benchmark::State& state) {
 
 }  // namespace
 
-BENCHMARK(BM_Ka_AddUnsorted)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_Std_AddUnsorted)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_Ka_AddSorted)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_Std_AddSorted)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_Ka_FindSorted)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_Std_FindSorted)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_Ka_FindUnsorted)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_Std_FindUnsorted)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_Ka_CopyList)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_Std_CopyList)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_Std_CopySet)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_Ka_CopyListAndEdit)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_Ka_Parse1MB)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_Std_Parse1MB)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Ka_Lists_AddUnsorted)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Peer_Lists_AddUnsorted)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Ka_Lists_AddSorted)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Peer_Lists_AddSorted)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Ka_Lists_FindSorted)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Peer_Lists_FindSorted)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Ka_Lists_FindUnsorted)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Peer_Lists_FindUnsorted)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Ka_Lists_CopyList)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Peer_Lists_CopyList)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Set_Lists_CopyList)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Ka_Lists_CopyListAndEdit)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Ka_Lists_Parse1MB)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Peer_Lists_Parse1MB)->Unit(benchmark::kMillisecond);

@@ -48,7 +48,7 @@ void SteadyState(benchmark::State& state, Alloc alloc, Free release, bool hotSet
   state.SetItemsProcessed(state.iterations());
 }
 
-void BM_BufferPool(benchmark::State& state) {
+void BM_Ka_Pool_Unit32(benchmark::State& state) {
   Ka_BufferPool pool(32, 256);
   SteadyState(
       state, [&] { return static_cast<void*>(pool.Alloc()); },
@@ -60,7 +60,7 @@ void BM_BufferPool(benchmark::State& state) {
       state.range(1) != 0);
 }
 
-void BM_ObjBufPool(benchmark::State& state) {
+void BM_Ka_Pool_Unit8(benchmark::State& state) {
   Ka_ObjBufPool pool("bench", sizeof(void*), 128);
   SteadyState(
       state, [&] { return static_cast<void*>(pool.Alloc()); },
@@ -72,11 +72,11 @@ void BM_ObjBufPool(benchmark::State& state) {
       state.range(1) != 0);
 }
 
-void BM_Malloc32(benchmark::State& state) {
+void BM_Peer_Pool_Unit32(benchmark::State& state) {
   SteadyState(state, [] { return std::malloc(32); }, [](void* p) { std::free(p); }, state.range(1) != 0);
 }
 
-void BM_Malloc8(benchmark::State& state) {
+void BM_Peer_Pool_Unit8(benchmark::State& state) {
   SteadyState(
       state, [] { return std::malloc(sizeof(void*)); }, [](void* p) { std::free(p); }, state.range(1) != 0);
 }
@@ -85,7 +85,7 @@ void BM_Malloc8(benchmark::State& state) {
 // else: read the victim's pointer and write its header word, then hand the
 // same unit straight back. At a million live units this alone misses the
 // caches twice per call; the pools' own cost is their figure minus this one.
-void BM_TouchBaseline(benchmark::State& state) {
+void BM_Touch_Pool_Unit32(benchmark::State& state) {
   std::vector<Ka_BufferData> units(static_cast<size_t>(state.range(0)));
   size_t next = 0;
   Ka_BufferData* last = nullptr;  // the unit freed last, handed out next
@@ -104,8 +104,12 @@ void BM_TouchBaseline(benchmark::State& state) {
       state.range(1) != 0);
 }
 
-void BM_KaMallocFree(benchmark::State& state) {
+void BM_Ka_Pool_Malloc20(benchmark::State& state) {
   SteadyState(state, [] { return _ka_malloc(20); }, [](void* p) { ka_free(p); }, state.range(1) != 0);
+}
+
+void BM_Peer_Pool_Malloc20(benchmark::State& state) {
+  SteadyState(state, [] { return std::malloc(20); }, [](void* p) { std::free(p); }, state.range(1) != 0);
 }
 
 }  // namespace
@@ -117,9 +121,10 @@ void LiveUnits(benchmark::internal::Benchmark* b) {
     for (int n : {1000, 10000, 100000, 1000000}) b->Args({n, hot});
 }
 
-BENCHMARK(BM_BufferPool)->Apply(LiveUnits);
-BENCHMARK(BM_Malloc32)->Apply(LiveUnits);
-BENCHMARK(BM_ObjBufPool)->Apply(LiveUnits);
-BENCHMARK(BM_Malloc8)->Apply(LiveUnits);
-BENCHMARK(BM_TouchBaseline)->Apply(LiveUnits);
-BENCHMARK(BM_KaMallocFree)->Apply(LiveUnits);
+BENCHMARK(BM_Ka_Pool_Unit32)->Apply(LiveUnits);
+BENCHMARK(BM_Peer_Pool_Unit32)->Apply(LiveUnits);
+BENCHMARK(BM_Ka_Pool_Unit8)->Apply(LiveUnits);
+BENCHMARK(BM_Peer_Pool_Unit8)->Apply(LiveUnits);
+BENCHMARK(BM_Touch_Pool_Unit32)->Apply(LiveUnits);
+BENCHMARK(BM_Ka_Pool_Malloc20)->Apply(LiveUnits);
+BENCHMARK(BM_Peer_Pool_Malloc20)->Apply(LiveUnits);

@@ -2,7 +2,7 @@
 // the same run: building a string from a literal, copying and passing a
 // 100-character string, appending 10,000 characters one by one, and Find,
 // Replace and Trim on a 100 KB text. Each Ka_ figure has its std peer right
-// after it, under the same name with Std in place of Ka.
+// after it, under the same name with Peer in place of Ka.
 #include <benchmark/benchmark.h>
 #include <kalbor/kalbor.h>
 
@@ -47,26 +47,26 @@ struct Peer<ka_wchar> {
 
 // ---- Build from a literal ---------------------------------------------------
 
-void BM_Ka_FromShortLiteral(benchmark::State& state) {
+void BM_Ka_String_FromShortLiteral(benchmark::State& state) {
   for (auto _ : state) {
     Ka_AString s("hello, world");
     benchmark::DoNotOptimize(s);
   }
 }
-void BM_Std_FromShortLiteral(benchmark::State& state) {
+void BM_Peer_String_FromShortLiteral(benchmark::State& state) {
   for (auto _ : state) {
     std::string s("hello, world");
     benchmark::DoNotOptimize(s);
   }
 }
 // Past std::string's inline buffer: both allocate.
-void BM_Ka_From40CharLiteral(benchmark::State& state) {
+void BM_Ka_String_From40CharLiteral(benchmark::State& state) {
   for (auto _ : state) {
     Ka_AString s("a literal of forty characters, no more!!");
     benchmark::DoNotOptimize(s);
   }
 }
-void BM_Std_From40CharLiteral(benchmark::State& state) {
+void BM_Peer_String_From40CharLiteral(benchmark::State& state) {
   for (auto _ : state) {
     std::string s("a literal of forty characters, no more!!");
     benchmark::DoNotOptimize(s);
@@ -83,10 +83,10 @@ void Copy100(benchmark::State& state) {
     benchmark::DoNotOptimize(copy);
   }
 }
-void BM_Ka_Copy100(benchmark::State& state) { Copy100<char, Ka_AString>(state); }
-void BM_Std_Copy100(benchmark::State& state) { Copy100<char, std::string>(state); }
-void BM_KaW_Copy100(benchmark::State& state) { Copy100<ka_wchar, Ka_WString>(state); }
-void BM_StdW_Copy100(benchmark::State& state) { Copy100<ka_wchar, std::basic_string<ka_wchar>>(state); }
+void BM_Ka_String_Copy100(benchmark::State& state) { Copy100<char, Ka_AString>(state); }
+void BM_Peer_String_Copy100(benchmark::State& state) { Copy100<char, std::string>(state); }
+void BM_Ka_String_Copy100W(benchmark::State& state) { Copy100<ka_wchar, Ka_WString>(state); }
+void BM_Peer_String_Copy100W(benchmark::State& state) { Copy100<ka_wchar, std::basic_string<ka_wchar>>(state); }
 
 template <class T>
 __attribute__((noinline)) int TakeByValue(T s) {
@@ -98,8 +98,8 @@ void PassByValue(benchmark::State& state) {
   const T source(std::string(100, 'x').c_str());
   for (auto _ : state) benchmark::DoNotOptimize(TakeByValue<T>(source));
 }
-void BM_Ka_PassByValue100(benchmark::State& state) { PassByValue<Ka_AString>(state); }
-void BM_Std_PassByValue100(benchmark::State& state) { PassByValue<std::string>(state); }
+void BM_Ka_String_PassByValue100(benchmark::State& state) { PassByValue<Ka_AString>(state); }
+void BM_Peer_String_PassByValue100(benchmark::State& state) { PassByValue<std::string>(state); }
 
 // ---- Append one character at a time -------------------------------------------
 
@@ -112,10 +112,10 @@ void Append10000(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * 10000);
 }
-void BM_Ka_Append10000(benchmark::State& state) { Append10000<Ka_AString, char>(state); }
-void BM_Std_Append10000(benchmark::State& state) { Append10000<std::string, char>(state); }
-void BM_KaW_Append10000(benchmark::State& state) { Append10000<Ka_WString, ka_wchar>(state); }
-void BM_StdW_Append10000(benchmark::State& state) { Append10000<std::basic_string<ka_wchar>, ka_wchar>(state); }
+void BM_Ka_String_Append10000(benchmark::State& state) { Append10000<Ka_AString, char>(state); }
+void BM_Peer_String_Append10000(benchmark::State& state) { Append10000<std::string, char>(state); }
+void BM_Ka_String_Append10000W(benchmark::State& state) { Append10000<Ka_WString, ka_wchar>(state); }
+void BM_Peer_String_Append10000W(benchmark::State& state) { Append10000<std::basic_string<ka_wchar>, ka_wchar>(state); }
 
 // ---- Find, Replace, Trim on 100 KB --------------------------------------------------
 
@@ -134,10 +134,10 @@ void StdFind(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(text.find(needle));
   state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(BigText().size() * sizeof(C)));
 }
-void BM_Ka_Find100K(benchmark::State& state) { KaFind<char>(state); }
-void BM_Std_Find100K(benchmark::State& state) { StdFind<char>(state); }
-void BM_KaW_Find100K(benchmark::State& state) { KaFind<ka_wchar>(state); }
-void BM_StdW_Find100K(benchmark::State& state) { StdFind<ka_wchar>(state); }
+void BM_Ka_String_Find100K(benchmark::State& state) { KaFind<char>(state); }
+void BM_Peer_String_Find100K(benchmark::State& state) { StdFind<char>(state); }
+void BM_Ka_String_Find100KW(benchmark::State& state) { KaFind<ka_wchar>(state); }
+void BM_Peer_String_Find100KW(benchmark::State& state) { StdFind<ka_wchar>(state); }
 
 // Every "fox" becomes "wolf" (about 2,300 times), on a fresh copy each time.
 template <class C>
@@ -176,10 +176,10 @@ void StdReplace(benchmark::State& state) {
     benchmark::DoNotOptimize(s);
   }
 }
-void BM_Ka_Replace100K(benchmark::State& state) { KaReplace<char>(state); }
-void BM_Std_Replace100K(benchmark::State& state) { StdReplace<char>(state); }
-void BM_KaW_Replace100K(benchmark::State& state) { KaReplace<ka_wchar>(state); }
-void BM_StdW_Replace100K(benchmark::State& state) { StdReplace<ka_wchar>(state); }
+void BM_Ka_String_Replace100K(benchmark::State& state) { KaReplace<char>(state); }
+void BM_Peer_String_Replace100K(benchmark::State& state) { StdReplace<char>(state); }
+void BM_Ka_String_Replace100KW(benchmark::State& state) { KaReplace<ka_wchar>(state); }
+void BM_Peer_String_Replace100KW(benchmark::State& state) { StdReplace<ka_wchar>(state); }
 
 // Trim both ends of a fresh copy: the copy is part of both figures.
 template <class C>
@@ -202,36 +202,36 @@ void StdTrim(benchmark::State& state) {
     benchmark::DoNotOptimize(s);
   }
 }
-void BM_Ka_Trim100K(benchmark::State& state) { KaTrim<char>(state); }
-void BM_Std_Trim100K(benchmark::State& state) { StdTrim<char>(state); }
-void BM_KaW_Trim100K(benchmark::State& state) { KaTrim<ka_wchar>(state); }
-void BM_StdW_Trim100K(benchmark::State& state) { StdTrim<ka_wchar>(state); }
+void BM_Ka_String_Trim100K(benchmark::State& state) { KaTrim<char>(state); }
+void BM_Peer_String_Trim100K(benchmark::State& state) { StdTrim<char>(state); }
+void BM_Ka_String_Trim100KW(benchmark::State& state) { KaTrim<ka_wchar>(state); }
+void BM_Peer_String_Trim100KW(benchmark::State& state) { StdTrim<ka_wchar>(state); }
 
 }  // namespace
 
-BENCHMARK(BM_Ka_FromShortLiteral);
-BENCHMARK(BM_Std_FromShortLiteral);
-BENCHMARK(BM_Ka_From40CharLiteral);
-BENCHMARK(BM_Std_From40CharLiteral);
-BENCHMARK(BM_Ka_Copy100);
-BENCHMARK(BM_Std_Copy100);
-BENCHMARK(BM_KaW_Copy100);
-BENCHMARK(BM_StdW_Copy100);
-BENCHMARK(BM_Ka_PassByValue100);
-BENCHMARK(BM_Std_PassByValue100);
-BENCHMARK(BM_Ka_Append10000);
-BENCHMARK(BM_Std_Append10000);
-BENCHMARK(BM_KaW_Append10000);
-BENCHMARK(BM_StdW_Append10000);
-BENCHMARK(BM_Ka_Find100K);
-BENCHMARK(BM_Std_Find100K);
-BENCHMARK(BM_KaW_Find100K);
-BENCHMARK(BM_StdW_Find100K);
-BENCHMARK(BM_Ka_Replace100K);
-BENCHMARK(BM_Std_Replace100K);
-BENCHMARK(BM_KaW_Replace100K);
-BENCHMARK(BM_StdW_Replace100K);
-BENCHMARK(BM_Ka_Trim100K);
-BENCHMARK(BM_Std_Trim100K);
-BENCHMARK(BM_KaW_Trim100K);
-BENCHMARK(BM_StdW_Trim100K);
+BENCHMARK(BM_Ka_String_FromShortLiteral);
+BENCHMARK(BM_Peer_String_FromShortLiteral);
+BENCHMARK(BM_Ka_String_From40CharLiteral);
+BENCHMARK(BM_Peer_String_From40CharLiteral);
+BENCHMARK(BM_Ka_String_Copy100);
+BENCHMARK(BM_Peer_String_Copy100);
+BENCHMARK(BM_Ka_String_Copy100W);
+BENCHMARK(BM_Peer_String_Copy100W);
+BENCHMARK(BM_Ka_String_PassByValue100);
+BENCHMARK(BM_Peer_String_PassByValue100);
+BENCHMARK(BM_Ka_String_Append10000);
+BENCHMARK(BM_Peer_String_Append10000);
+BENCHMARK(BM_Ka_String_Append10000W);
+BENCHMARK(BM_Peer_String_Append10000W);
+BENCHMARK(BM_Ka_String_Find100K);
+BENCHMARK(BM_Peer_String_Find100K);
+BENCHMARK(BM_Ka_String_Find100KW);
+BENCHMARK(BM_Peer_String_Find100KW);
+BENCHMARK(BM_Ka_String_Replace100K);
+BENCHMARK(BM_Peer_String_Replace100K);
+BENCHMARK(BM_Ka_String_Replace100KW);
+BENCHMARK(BM_Peer_String_Replace100KW);
+BENCHMARK(BM_Ka_String_Trim100K);
+BENCHMARK(BM_Peer_String_Trim100K);
+BENCHMARK(BM_Ka_String_Trim100KW);
+BENCHMARK(BM_Peer_String_Trim100KW);
