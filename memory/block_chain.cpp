@@ -358,6 +358,13 @@ int Ka_ChainRef::BlockCount() const {
   ChainLock hold(m_chain);
   return m_chain->BlockCount();
 }
+int Ka_ChainRef::UsedCount() const {
+  if (m_chain == nullptr) return 0;
+  ChainLock hold(m_chain);
+  int used = 0;
+  for (const Ka_BlockHeader* b = m_chain->Head(); b != nullptr; b = b->next) used += b->used;
+  return used;
+}
 int Ka_ChainRef::Validate() const {
   if (m_chain == nullptr) return 1;
   ChainLock hold(m_chain);

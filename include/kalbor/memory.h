@@ -48,6 +48,7 @@ class KA_API Ka_ChainRef {
   Ka_BlockHeader* FirstWithRoom() const;
   unsigned int BlockBytes() const;  // 0 when one block would not fit in memory
   int BlockCount() const;           // locked
+  int UsedCount() const;            // locked: the blocks' used counts, summed
   int Validate() const;             // locked: 1 when every invariant holds
 
  private:
@@ -115,6 +116,8 @@ class KA_API Ka_BufferPool {
   unsigned int GetBlockBytes() const { return m_chain.BlockBytes(); }
   // Blocks in the chain.
   int GetBlockCount() const { return m_chain.BlockCount(); }
+  // Units counted as used, summed over the blocks (see Free); 0 without blocks.
+  int GetUsedCount() const { return m_chain.UsedCount(); }
   // Walks the chain and its index and checks every invariant; 1 when sound.
   int Validate() const { return m_chain.Validate(); }
   // The first block of the chain, or null.
@@ -216,6 +219,8 @@ class KA_API Ka_ObjBufPool {
   unsigned int GetBlockBytes() const { return m_chain.BlockBytes(); }
   // Blocks in the chain.
   int GetBlockCount() const { return m_chain.BlockCount(); }
+  // Slots counted as used, summed over the blocks (see Free); 0 without blocks.
+  int GetUsedCount() const { return m_chain.UsedCount(); }
   // Walks the chain and its index and checks every invariant; 1 when sound.
   int Validate() const { return m_chain.Validate(); }
 
