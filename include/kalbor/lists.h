@@ -120,13 +120,16 @@ class KA_API Ka_ObjList {
   // Appends a copy of item (null appends an empty position); the new last
   // index, or -1 when the array cannot grow.
   int AddItem(void* item);
+  // As AddItem, the new position sharing item's slot.
   int AddLinkItem(void* item);
   // Unsorted: InsertItem. Sorted: index ignored, Add (null gives -1).
   int Insert(int index, void* item);
+  // As Insert, linking (sorted: AddLink).
   int InsertLink(int index, void* item);
   // Inserts a copy of item at index (null inserts an empty position); at or
   // past the end it appends. The index used, or -1 for a negative index.
   int InsertItem(int index, void* item);
+  // As InsertItem, the new position sharing item's slot.
   int InsertLinkItem(int index, void* item);
   // Removes count positions from start (count cut to the end; below 1 removes
   // nothing). 0, or -1 without array or for start outside 0..Count() - 1.
@@ -225,6 +228,7 @@ class KA_API Ka_AStrList : public Ka_ObjList {
   explicit Ka_AStrList(int sorted = 0);
   // Shares other's array.
   Ka_AStrList(const Ka_AStrList& other) : Ka_ObjList(other) {}
+  // AssignList(other): shares other's array.
   const Ka_AStrList& operator=(const Ka_AStrList& other) {
     AssignList(other);
     return *this;
@@ -291,6 +295,7 @@ class KA_API Ka_AStrList : public Ka_ObjList {
 // (never an empty last one, deliberate); RemoveDupList uses ka_stricmpW.
 class KA_API Ka_WStrList : public Ka_ObjList {
  public:
+  // An empty unsorted list, or with sorted non-zero one kept in ka_strcmpW order.
   Ka_WStrList();
   explicit Ka_WStrList(int sorted);
   Ka_WStrList(const Ka_WStrList& other) : Ka_ObjList(other) {}
@@ -327,7 +332,9 @@ class KA_API Ka_WStrList : public Ka_ObjList {
 // (past the end for Insert, which then appends).
 class KA_API Ka_BuffList : public Ka_ObjList {
  public:
+  // An empty list; allocates nothing.
   Ka_BuffList();
+  // Shares other's array (so does assignment).
   Ka_BuffList(const Ka_BuffList& other) : Ka_ObjList(other) {}
   const Ka_BuffList& operator=(const Ka_BuffList& other) {
     AssignList(other);
@@ -381,6 +388,7 @@ class KA_API Ka_IntList {
   int Count() const;
   // The element, or -1 without array or out of range (-1 is also a legal value).
   int GetItem(int index) const;
+  // GetItem(index).
   int Items(int index) const { return GetItem(index); }
   // Makes the array private and at least count elements long (new ones 0),
   // never shorter than it was; the array, or null when there is none or

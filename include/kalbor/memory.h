@@ -43,9 +43,9 @@ class KA_API Ka_ChainRef {
   void Give(unsigned char* unit);  // locked: frees a unit; foreign pointers are ignored
   void ReleaseAll();               // locked: releases every block
   void ReleaseAllUnlocked();       // the same for a caller that holds the lock
-  Ka_BlockHeader* Head() const;
-  Ka_BlockHeader* Tail() const;
-  Ka_BlockHeader* FirstWithRoom() const;
+  Ka_BlockHeader* Head() const;           // the first block, or null
+  Ka_BlockHeader* Tail() const;           // the last block, or null
+  Ka_BlockHeader* FirstWithRoom() const;  // the earliest block with a free unit, or null
   unsigned int BlockBytes() const;  // 0 when one block would not fit in memory
   int BlockCount() const;           // locked
   int UsedCount() const;            // locked: the blocks' used counts, summed

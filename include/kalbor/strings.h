@@ -304,7 +304,9 @@ class KA_API Ka_AString {
   // trims look only before the first zero; left trims skip at most the
   // length. A zero character is never a member of a set.
 
+  // Removes leading white space.
   void TrimLeft();
+  // Removes trailing white space.
   void TrimRight();
   // TrimLeft() then TrimRight().
   void Trim();
@@ -362,6 +364,7 @@ class KA_API Ka_AString {
   // 3); otherwise "%.14e" ("1.0000000000000e+30", "1.#INF" for an infinity
   // or a NaN). A "-" for negatives.
   const Ka_AString& Set(double value);
+  // Set(value).
   const Ka_AString& operator=(int value) { return Set(value); }
   const Ka_AString& operator=(double value) { return Set(value); }
   // Append the text Set would give.
