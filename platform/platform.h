@@ -44,6 +44,11 @@ unsigned int AnsiCodePage();
 bool SystemToWide(unsigned int cp, const char* src, int srcLen, ka_wchar* dst, int dstSize, int* result);
 bool SystemToNarrow(unsigned int cp, const ka_wchar* src, int srcLen, char* dst, int dstSize, int* result);
 
+// Puts standard input and standard output in binary mode: no line-end
+// translation and no end-of-file byte (Windows); nothing where streams are
+// always binary.
+void SetBinaryStdio();
+
 // The default debug sink: OutputDebugStringW on Windows, standard error as
 // UTF-8 elsewhere.
 void DebugWrite(const ka_wchar* text);

@@ -95,6 +95,9 @@ unsigned int AnsiCodePage() { return 65001; }
 bool SystemToWide(unsigned int, const char*, int, ka_wchar*, int, int*) { return false; }
 bool SystemToNarrow(unsigned int, const ka_wchar*, int, char*, int, int*) { return false; }
 
+// POSIX streams never translate bytes.
+void SetBinaryStdio() {}
+
 void DebugWrite(const ka_wchar* text) {
   char buf[1024];
   // Long texts go out in pieces; the converter never splits a character.

@@ -1,5 +1,9 @@
 // The platform layer on Windows: the Win32 calls the device used.
+#include <fcntl.h>
+#include <io.h>
 #include <windows.h>
+
+#include <cstdio>
 
 #include "platform.h"
 
@@ -35,6 +39,11 @@ void GetLocalTime(LocalTime* out) {
 }
 
 unsigned int AnsiCodePage() { return ::GetACP(); }
+
+void SetBinaryStdio() {
+  _setmode(_fileno(stdin), _O_BINARY);
+  _setmode(_fileno(stdout), _O_BINARY);
+}
 
 bool SystemToWide(unsigned int cp, const char* src, int srcLen, ka_wchar* dst, int dstSize, int* result) {
   if (!::IsValidCodePage(cp)) return false;

@@ -1,4 +1,5 @@
-// The ranged random number, the tick count and the last error code.
+// The ranged random number, the tick count, the last error code and the
+// binary standard streams.
 #include <kalbor/util.h>
 
 #include <cstdint>
@@ -28,3 +29,5 @@ int ka_random(int lo, int hi) {
 unsigned int ka_getcursec() { return ka_platform::TickCount(); }
 
 unsigned int ka_getlasterror() { return static_cast<unsigned int>(ka_platform::LastError()); }
+
+void ka_binarystdio() { ka_platform::SetBinaryStdio(); }

@@ -96,5 +96,9 @@ KA_API int ka_random(int lo, int hi);
 KA_API unsigned int ka_getcursec();
 // The calling thread's last error code: GetLastError, or errno elsewhere.
 KA_API unsigned int ka_getlasterror();
+// Puts the process's standard input and output in binary mode, so that
+// programs built on the library read and write bytes unchanged: on Windows
+// no CR LF translation and no end-of-file byte; elsewhere it does nothing.
+KA_API void ka_binarystdio();
 
 #endif  // KALBOR_UTIL_H
