@@ -260,11 +260,24 @@ int RunSolar(const Args& a) {
   return Print(solar);
 }
 
+// The fixed lunar holidays of the library's workday test, MMDD: the New
+// Year's eve (as 12-29, as the library has it), New Year, Buddha's birthday
+// and Chuseok.
+const char* const kLunarHolidays[] = {"1229", "0101", "0102", "0408", "0814", "0815", "0816"};
+
 int RunWorkday(const Args& a) {
   if (int e = ExpectCount(a, 1, 1)) return e;
   char date[9];
   if (!ParseDate(a.list[0], date)) return BadDate(a, a.list[0]);
-  return Print(ka_is_workdayA(date) ? "workday" : "holiday");
+  bool workday = ka_is_workdayA(date) != 0;
+  // ka_is_workdayA finds lunar dates with ka_solar2lunarA, whose walk ends
+  // in lunar 2004; the lunar date found here holds for the whole table.
+  std::string lunar;
+  bool leap = false;
+  if (workday && SolarToLunar(date, &lunar, &leap))
+    for (const char* holiday : kLunarHolidays)
+      if (lunar.compare(4, 4, holiday) == 0) workday = false;
+  return Print(workday ? "workday" : "holiday");
 }
 
 int RunDays(const Args& a) {
@@ -799,8 +812,9 @@ const Command kCommands[] = {
      "days 1-30) in its regular month, as YYYYMMDD.\n"},
     {"workday", RunWorkday,
      "Usage: kalbor workday DATE\n"
-     "\"holiday\" for a Sunday or a fixed Korean solar or lunar holiday, else\n"
-     "\"workday\".\n"},
+     "\"holiday\" for a Sunday or a fixed Korean holiday (solar: 01-01, 03-01,\n"
+     "04-05, 05-05, 06-06, 07-17, 08-15, 10-03, 12-25; lunar: 12-29, 01-01, 01-02,\n"
+     "04-08, 08-14 to 08-16), else \"workday\". Saturdays are working days.\n"},
     {"days", RunDays,
      "Usage: kalbor days DATE1 DATE2\n"
      "The number of days between the two dates, never negative.\n"},
