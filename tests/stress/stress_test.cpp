@@ -20,7 +20,7 @@
 
 namespace {
 
-const int kSharers = 4, kAllocators = 2, kRounds = 1500;
+const int kSharers = 4, kAllocators = 2, kRounds = 1000;
 
 // Units counted as used by the nine size-class pools and the three item pools.
 std::vector<int> UsedUnits() {
