@@ -9,36 +9,35 @@ namespace {
 Ka_BufferData* Header(void* p) { return Ka_BufferData::FromData(p); }
 }  // namespace
 
-TEST(KaMalloc, EverySizeGetsABlockOfItsGroup) {
-  for (int size : {0, -4, 1, 32, 100, 9000}) {  // 0 and negative get a 32-byte unit
+TEST(KaMalloc, EverySizeGetsABlockOfItsGroupThroughBothEntryPoints) {
+  for (int size : {0, -3, 1, 31, 32, 33, 100, 4097, 8192, 8193, 20000}) {  // 0 and negative: a 32-byte unit
+    Ka_BufferData* d = Ka_BufferPool::AllocBuffer(size);
     void* p = _ka_malloc(size);
+    ASSERT_NE(d, nullptr) << size;
     ASSERT_NE(p, nullptr) << size;
-    EXPECT_EQ(Header(p)->nRefs, 1);
-    EXPECT_EQ(Header(p)->nAllocLength, size == 0 ? 32u : Ka_BufferPool::GetBufferGroup(size));
-    EXPECT_EQ(Header(p)->nDataLength, size);
+    for (Ka_BufferData* h : {d, Header(p)}) {
+      EXPECT_EQ(h->nRefs, 1) << size;
+      EXPECT_EQ(h->nAllocLength, size == 0 ? 32u : Ka_BufferPool::GetBufferGroup(size)) << size;
+      EXPECT_EQ(h->nDataLength, size) << size;  // as asked, even 0 or negative
+      EXPECT_EQ(reinterpret_cast<uintptr_t>(h->data()) % alignof(void*), 0u) << size;
+    }
+    d->nRefs = 0;
+    Ka_BufferPool::FreeBuffer(d);
     ka_free(p);
   }
   ka_free(nullptr);  // ignored
 }
 
-TEST(KaMalloc, AMillionPairsLeaveThePoolsAsTheyFoundThem) {
+TEST(KaMalloc, FreesLeaveThePoolsAsTheyFoundThemAndKeepTheRulesForSharedBlocks) {
   // Each freed unit must stop counting as used, or every 256 pairs would
   // strand a block.
   Ka_BufferPool& pool32 = ka_detail::SizeClassPool(0);
-  void* warm = _ka_malloc(8);
+  void* warm = _ka_malloc(8);  // keeps the head block for the counts below
   const int blocks = pool32.GetBlockCount();
   const int used = pool32.GetHeadBlock()->used;
   for (int i = 0; i < 1000000; ++i) ka_free(_ka_malloc(1 + i % 32));
   EXPECT_EQ(pool32.GetBlockCount(), blocks);
   EXPECT_EQ(pool32.GetHeadBlock()->used, used);
-  ka_free(warm);
-  EXPECT_TRUE(pool32.Validate());
-}
-
-TEST(KaMalloc, FreeingASharedOrFreedBlockKeepsThePoolRules) {
-  Ka_BufferPool& pool32 = ka_detail::SizeClassPool(0);
-  void* warm = _ka_malloc(8);  // keeps the head block for the counts below
-  const int used = pool32.GetHeadBlock()->used;
   void* shared = _ka_malloc(8);
   Header(shared)->AddRef();  // another owner still holds it
   ka_free(shared);           // marked free; its block goes on counting it
@@ -47,6 +46,7 @@ TEST(KaMalloc, FreeingASharedOrFreedBlockKeepsThePoolRules) {
   ka_free(shared);  // and a second free changes nothing more
   EXPECT_EQ(pool32.GetHeadBlock()->used, used + 1);
   ka_free(warm);
+  EXPECT_TRUE(pool32.Validate());
 }
 
 TEST(KaRealloc, GrowsKeepsBytesAndNeverShrinks) {
