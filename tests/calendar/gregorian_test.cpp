@@ -1,4 +1,4 @@
-// Gregorian date arithmetic: documented results, an independent day count
+// Gregorian date arithmetic: deliberate results, an independent day count
 // over a wide range of dates, far offsets and bad input.
 #include <gtest/gtest.h>
 #include <kalbor/kalbor.h>
@@ -34,26 +34,14 @@ TEST(DateFields, ValidityMonthLengthAndLeapYears) {
     EXPECT_EQ(ka_is_dateA(c.s), c.date) << label;
     EXPECT_EQ(ka_calc_lastdateA(c.s), c.last) << label;
     EXPECT_EQ(ka_is_leapyearA(c.s), c.leap) << label;
+    if (c.date == 0) {  // no date: no day number, weekday or distance
+      EXPECT_EQ(ka_calc_basedaysA(c.s), -1) << label;
+      EXPECT_EQ(ka_calc_weekdayA(c.s), -1) << label;
+      EXPECT_EQ(ka_calc_daysA("20240228", c.s), -1) << label;
+    }
   }
-}
-
-TEST(DateCounts, DayNumbersWeekdaysAndDistances) {
-  EXPECT_EQ(ka_calc_basedaysA("00010101"), 1);
-  EXPECT_EQ(ka_calc_basedaysA("20240101"), 738886);
-  EXPECT_EQ(ka_calc_basedaysA("20240230"), -1);  // not a date
-  EXPECT_EQ(ka_calc_weekdayA("20240101"), 1);   // a Monday
-  EXPECT_EQ(ka_calc_weekdayA("20240303"), 0);   // a Sunday
-  EXPECT_EQ(ka_calc_weekdayA(nullptr), -1);
-  EXPECT_EQ(ka_calc_weekdayA("20240230"), -1);
   EXPECT_EQ(ka_calc_daysA("20240301", "20240228"), 2);
   EXPECT_EQ(ka_calc_daysA("20240228", "20240301"), 2);  // never negative
-  EXPECT_EQ(ka_calc_daysA("20240228", "2024022x"), -1);
-  // Early in year 0000 the day numbers fall to 0 and below; weekdays stay 0-6.
-  for (int d = 1; d <= 31; ++d) {
-    const int w = ka_calc_weekdayA(DateText(0, 1, d).c_str());
-    EXPECT_GE(w, 0);
-    EXPECT_LE(w, 6);
-  }
 }
 
 TEST(DateCounts, AgreeWithAnIndependentDayCount) {
@@ -69,16 +57,21 @@ TEST(DateCounts, AgreeWithAnIndependentDayCount) {
   for (int64_t n = DayNumber(1580, 1, 1); n <= DayNumber(2100, 12, 31); ++n) check(n);
   std::mt19937 rng(7);
   for (int i = 0; i < 20000; ++i) check(DayNumber(1, 1, 1) + rng() % (DayNumber(9999, 12, 31) - 1));
+  // In year 0000 the day count's divisions truncate toward zero, which puts
+  // its day numbers (0 and below) one above the proleptic count; weekdays
+  // follow them on the same seven-day cycle.
+  for (int64_t n = DayNumber(0, 1, 1); n <= DayNumber(0, 12, 31); ++n) {
+    const Civil c = FromDayNumber(n);
+    const std::string s = DateText(c.y, c.m, c.d);
+    ASSERT_EQ(ka_calc_basedaysA(s.c_str()), n + 1) << s;
+    ASSERT_EQ(ka_calc_weekdayA(s.c_str()), static_cast<int>(((n + 1) % 7 + 7) % 7)) << s;
+  }
 }
 
 TEST(AddDays, DocumentedResults) {
   struct { const char* s; int n; const char* written; int result; } cases[] = {
-      {"20241231", 1, "20250101", 1},      // into the next year
       {"20240315", -15, "20240229", 0},    // back onto a month's last day: 0 (deliberate)
-      {"20240315", -16, "20240228", 28},
       {"20240101", -1, "20231231", 0},     // back over a year end, onto a last day
-      {"20240131", 1, "20240201", 1},
-      {"20240229", 365, "20250228", 28},
       {"20241301", 1, "20250102", 2},      // month 13 is walked as it stands (deliberate)
       {"20240000", 1, "20240101", 1},      // and so is month 0
       {"2024021599", 0, "2024021599", 15},  // n = 0 copies the text as it is
@@ -88,10 +81,18 @@ TEST(AddDays, DocumentedResults) {
     EXPECT_EQ(ka_add_daysA(c.s, c.n, out), c.result) << c.s << " " << c.n;
     EXPECT_STREQ(out, c.written) << c.s << " " << c.n;
   }
-  char out[KA_DATE_TEXT_SIZE];
-  EXPECT_EQ(ka_add_daysA(nullptr, 1, out), 0);
-  EXPECT_EQ(ka_add_daysA("20240101", 1, nullptr), 0);
-  EXPECT_EQ(ka_add_daysA("2024010", 1, out), -1);  // fewer than 8 characters
+  // Bad input, the same for both walks.
+  struct { const char* s; bool dst; int result; } bad[] = {
+      {nullptr, true, 0},        // no text
+      {"20240101", false, 0},    // no destination
+      {"", true, -1},            // empty
+      {"2024010", true, -1},     // fewer than 8 characters
+  };
+  for (auto& c : bad) {
+    char out[KA_DATE_TEXT_SIZE];
+    EXPECT_EQ(ka_add_daysA(c.s, 1, c.dst ? out : nullptr), c.result) << (c.s ? c.s : "(null)");
+    EXPECT_EQ(ka_add_monthA(c.s, 1, c.dst ? out : nullptr), c.result) << (c.s ? c.s : "(null)");
+  }
 }
 
 TEST(AddDays, AgreesWithTheDayCountForNearAndFarOffsets) {
@@ -117,11 +118,6 @@ TEST(AddDays, AgreesWithTheDayCountForNearAndFarOffsets) {
 TEST(AddMonths, ClampsTheDayAndHandlesFarOffsets) {
   struct { const char* s; int n; const char* written; int result; } cases[] = {
       {"20240131", 1, "20240229", 2},     // clamped to the leap February
-      {"20230131", 1, "20230228", 2},
-      {"20240315", -3, "20231215", 12},
-      {"20240315", -15, "20221215", 12},
-      {"20240315", 12, "20250315", 3},
-      {"20241215", 1, "20250115", 1},
       {"20240100", 1, "20240229", 2},     // day 0 becomes the month's last day
       {"20249915", 1, "20320415", 4},     // month 99 counts on as months
       {"20240315", 0, "20240315", 3},     // n = 0 copies
