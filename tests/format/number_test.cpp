@@ -122,13 +122,11 @@ TYPED_TEST(Numbers, ClassifiersAreDeliberatelyLoose) {
   }
 }
 
-TEST(NumbersWide, IsNameTestsTheLowByteOfTheWideCharacterAsItStands) {
+TEST(NumbersWide, IsNameTestsLowBytesAndToIntegerReadsANarrowCopy) {
   EXPECT_EQ(Ka_WString(KA_W("\u00e9t\u00ff")).IsName(), 1);
   EXPECT_EQ(Ka_WString(KA_W("a\u4e00")).IsName(), 0);  // low byte 0 (deliberate)
   EXPECT_EQ(Ka_WString(KA_W("a\u0141")).IsName(), 0);  // low byte 'A' (deliberate)
-}
-
-TEST(NumbersWide, ToIntegerReadsANarrowCopyToDoubleTheWideText) {
+  // ToInteger reads a narrow copy, ToDouble the wide text itself.
   const unsigned int saved = KaSetLocaleCP(1252);  // full-width digits fit to ASCII there
   EXPECT_EQ(Ka_WString(KA_W("\uff14\uff12")).ToInteger(), 42);
   EXPECT_EQ(Ka_WString(KA_W("\uff14\uff12")).ToDouble(), 0.0);
