@@ -776,10 +776,13 @@ int RunFormat(const Args& a) {
       record.port[0] = static_cast<unsigned char>(port >> 8);
       record.port[1] = static_cast<unsigned char>(port);
       format(withPort ? static_cast<const void*>(&record) : static_cast<const void*>(record.address));
-    } else {  // %p: the argument is the pointer's value
-      long long v = 0;
-      if (!ParseNumber(s, 'l', 'x', &v)) return badNumber(s);
-      format(reinterpret_cast<const void*>(static_cast<uintptr_t>(v)));
+    } else {  // %p: the argument is the pointer's value, in hexadecimal
+      const char* digits = s[0] == '0' && (s[1] == 'x' || s[1] == 'X') ? s + 2 : s;
+      const char* end = digits + std::strlen(digits);
+      uintptr_t v = 0;
+      const auto r = std::from_chars(digits, end, v, 16);
+      if (r.ec != std::errc() || r.ptr != end || digits == end) return badNumber(s);
+      format(reinterpret_cast<const void*>(v));
     }
     if (ended) continue;  // the arguments after it are still checked
     const char* t = piece;
