@@ -452,6 +452,7 @@ class KA_API Ka_PtrList {
   typedef Ka_BufferData Ka_ListData;
   static constexpr int kMaxCount = static_cast<int>(0x7FFFE000u / sizeof(void*));
 
+  // Construction, sharing and access as Ka_IntList's; allocates nothing.
   Ka_PtrList() : m_pData(nullptr) {}
   Ka_PtrList(const Ka_PtrList& other);
   Ka_PtrList(Ka_PtrList&& other) noexcept : m_pData(other.m_pData) { other.m_pData = nullptr; }

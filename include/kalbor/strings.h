@@ -551,6 +551,8 @@ class KA_API Ka_WString {
   typedef Ka_BufferData Ka_WStringData;
   typedef ka_detail::Ka_StringTraits<ka_wchar> Traits;
 
+  // Construction, as Ka_AString's: the null string, a shared or taken text,
+  // Set(s, n), or n copies of c (the null string for c = 0 or n below 1).
   Ka_WString() : m_pchData(nullptr) {}
   Ka_WString(const Ka_WString& other) : m_pchData(other.m_pchData) { _AddRef(); }
   Ka_WString(Ka_WString&& other) noexcept : m_pchData(other.m_pchData) { other.m_pchData = nullptr; }
@@ -558,6 +560,8 @@ class KA_API Ka_WString {
   Ka_WString(ka_wchar c, int n);
   ~Ka_WString() { Release(); }
 
+  // Length, capacity and characters, in characters, as Ka_AString's: GetAt
+  // gives 0 out of range and SetAt then does nothing.
   int GetLength() const { return m_pchData != nullptr ? Traits::Chars(GetData()->nDataLength) : 0; }
   int GetAllocLength() const { return m_pchData != nullptr ? Traits::Chars(GetData()->nAllocLength) : 0; }
   int IsEmpty() const { return m_pchData == nullptr || m_pchData[0] == 0 ? 1 : 0; }
@@ -567,6 +571,8 @@ class KA_API Ka_WString {
   ka_wchar operator[](int i) const { return GetAt(i); }
   void SetAt(int i, ka_wchar c);
 
+  // Assignment and appending, as Ka_AString's: a null text empties; appending
+  // a null or empty text or the character 0 does nothing.
   const Ka_WString& Set(const Ka_WString& other) {
     if (m_pchData != other.m_pchData) {
       Release();
@@ -610,6 +616,8 @@ class KA_API Ka_WString {
   // 0xE9 appends 0xFFE9 (deliberate); 0 appends nothing.
   const Ka_WString& operator+=(char c);
 
+  // As Ka_AString::GetSafeBuffer: the private text of length n (n < 0: the
+  // length); null for n = 0 on a shared or null text, or when refused.
   ka_wchar* GetSafeBuffer(int n) {
     if (n < 0) n = GetLength();
     return _IsPrivateWithRoom(n) ? _ResizeInPlace(n) : _CopyToNewBuffer(n);
@@ -621,6 +629,7 @@ class KA_API Ka_WString {
   int Compare(const ka_wchar* s) const;
   int CompareNoCase(const ka_wchar* s) const;
 
+  // Searches, as Ka_AString's: an index or -1; a negative start counts as 0.
   // Find of the character 0 gives -1 (deliberate).
   int Find(ka_wchar c, int start = 0) const;
   int Find(const ka_wchar* s, int start = 0) const;
@@ -628,11 +637,15 @@ class KA_API Ka_WString {
   int ReverseFind(ka_wchar c) const;
   int FindOneOf(const ka_wchar* set) const;
 
+  // Slices, as Ka_AString's: clipped to the text; an empty range gives the
+  // null string.
   Ka_WString Mid(int start, int count) const;
   Ka_WString Mid(int start) const;
   Ka_WString Left(int n) const;
   Ka_WString Right(int n) const;
 
+  // Trims, as Ka_AString's: white space is space, tab, line feed and carriage
+  // return; nothing for an empty string.
   void TrimLeft();
   void TrimRight();
   void Trim();
@@ -642,6 +655,8 @@ class KA_API Ka_WString {
   void TrimRight(const ka_wchar* set);
   void TrimBrace(int unescape);
 
+  // Edits, as Ka_AString's: Replace and Remove return counts, Insert and
+  // Delete the new length; indices are clamped to the text.
   int Replace(ka_wchar from, ka_wchar to);
   // When the result is not longer, writes through the block even when it is
   // shared, so every sharer sees the change (deliberate).
