@@ -41,7 +41,7 @@ inline Ka_Buffer Make<Ka_Buffer>(const std::string& bytes) {
 
 // What a buffer or string holds over its length, one byte per element
 // (wide characters above 0xFF are read one by one where they occur).
-inline std::string Bytes(const Ka_Buffer& b) {
+inline std::string Text(const Ka_Buffer& b) {
   const char* p = b;
   return p != nullptr ? std::string(p, static_cast<size_t>(b.GetLength())) : std::string();
 }
@@ -50,29 +50,23 @@ std::string Text(const S& s) {
   const CharOf<S>* p = s;
   return std::string(p, p + s.GetLength());
 }
-inline std::string Text(const Ka_Buffer& b) { return Bytes(b); }
 
 inline int Refs(const Ka_Buffer& b) {
   const unsigned char* p = b;
   return p != nullptr ? ka_interlocked_read(&Ka_BufferData::FromData(p)->nRefs) : 0;
 }
 
-// The invariant: empty, or a block whose length fits its capacity; a
-// string's text is followed by a zero.
+// The invariant: empty, or a block whose length fits its capacity, owned at
+// least once; a string's text is followed by a zero.
 inline void ExpectWellFormed(const Ka_Buffer& b) {
-  EXPECT_GE(b.GetLength(), 0);
   EXPECT_LE(b.GetLength(), b.GetAllocLength());
-  if (static_cast<const void*>(b) != nullptr) {
-    EXPECT_GE(Refs(b), 1);
-  }
+  EXPECT_TRUE(b.GetPtr(0) == nullptr || Refs(b) >= 1);
 }
 template <class S>
 void ExpectWellFormed(const S& s) {
   const CharOf<S>* p = s;
   EXPECT_LE(s.GetLength(), s.GetAllocLength());
-  if (p != nullptr) {
-    EXPECT_EQ(p[s.GetLength()], 0) << "no terminator after the length";
-  }
+  EXPECT_TRUE(p == nullptr || p[s.GetLength()] == 0) << "no terminator after the length";
 }
 
 // Runs edit(v) on a value that holds `bytes` alone, then on one that shares
@@ -85,9 +79,7 @@ void OnPrivateAndShared(const std::string& bytes, Edit edit) {
     if (shared) other = v;
     edit(v);
     ExpectWellFormed(v);
-    if (shared) {
-      EXPECT_EQ(Text(other), bytes) << "the edit reached another owner";
-    }
+    EXPECT_TRUE(!shared || Text(other) == bytes) << "the edit reached another owner: " << Text(other);
   }
 }
 
@@ -97,14 +89,14 @@ template <class C>
 class ExactText {
  public:
   explicit ExactText(const std::basic_string<C>& text)
-      : m_size(text.size()), m_data(new C[text.empty() ? 1 : text.size()]) {
+      : m_size(static_cast<int>(text.size())), m_data(new C[text.empty() ? 1 : text.size()]) {
     std::copy(text.begin(), text.end(), m_data.get());
   }
   const C* get() const { return m_data.get(); }
-  int size() const { return static_cast<int>(m_size); }
+  int size() const { return m_size; }
 
  private:
-  size_t m_size;
+  int m_size;
   std::unique_ptr<C[]> m_data;
 };
 
