@@ -20,6 +20,10 @@ namespace {
 
 enum Status { kDone = 0, kFailed = 1, kUsage = 2 };
 
+// The code page of the command line's text: the platform's ANSI code page
+// (UTF-8 except on Windows), read before the tool sets its own.
+unsigned int g_argumentCodePage = 65001;
+
 // conv reads its input this many bytes at a time.
 constexpr size_t kChunk = 65536;
 
@@ -762,7 +766,7 @@ int RunFormat(const Args& a) {
     } else if (c == 's' && d.size == 'h') {
       format(s);
     } else if (c == 's') {
-      const Ka_WString wide(s, -1, 65001);
+      const Ka_WString wide(s, -1, g_argumentCodePage);
       format(static_cast<const ka_wchar*>(wide) != nullptr ? static_cast<const ka_wchar*>(wide) : KA_W(""));
     } else if (d.subtype == 'A' || d.subtype == 'I') {
       SocketRecord record = {2, {0, 0}, {0, 0, 0, 0}};
@@ -860,7 +864,7 @@ const Command kCommands[] = {
      "Each directive takes the next ARG as its type: a whole number for\n"
      "d i u o x X (decimal, or hexadecimal after 0x) and for a * width or\n"
      "precision, a number for e E f g G, a text for s and hs (s: converted\n"
-     "through 16-bit text), one character for c, an address a.b.c.d for %pA,\n"
+     "through 16-bit text), one byte for c, an address a.b.c.d for %pA,\n"
      "a.b.c.d:port for %pI and a hexadecimal number for other %p.\n"},
 };
 
@@ -876,6 +880,7 @@ bool IsHelp(const char* s) { return std::strcmp(s, "--help") == 0 || std::strcmp
 
 int main(int argc, char** argv) {
   ka_binarystdio();
+  g_argumentCodePage = KaGetLocaleCP();
   // Text the library converts through code page 0 (decoded XML character
   // references, the format engine's %s) is UTF-8 on every platform.
   KaSetLocaleCP(65001);
