@@ -1,43 +1,14 @@
 // Trimming and editing, each made on a private text and on a shared one,
 // over both widths; then the substring Replace, checked against the
-// step-by-step loop it stands for, and the rule in which the widths differ.
-#include <climits>
-#include <functional>
+// step-by-step loop it stands for, with the rule in which the widths differ.
 #include <random>
 #include <utility>
-#include <vector>
 
 #include "strings/string_support.h"
 
 template <class S>
 class Edit : public ::testing::Test {};
 TYPED_TEST_SUITE(Edit, BothStrings);
-
-// One row: the text before, the edit on `s`, the text after and the edit's
-// result (not checked for edits that return nothing).
-template <class S>
-struct EditRow {
-  std::string before;
-  std::function<int(S&)> edit;
-  std::string after;
-  int result;
-};
-#define EDIT(expr) [&](S & s) { return (expr); }
-#define DO(statement) [&](S & s) { return (statement), INT_MIN; }
-
-template <class S>
-void RunEdits(const std::vector<EditRow<S>>& rows) {
-  for (const EditRow<S>& r : rows) {
-    SCOPED_TRACE("\"" + r.before + "\" to \"" + r.after + "\"");
-    OnPrivateAndShared<S>(r.before, [&r](S& s) {
-      const int result = r.edit(s);
-      EXPECT_EQ(Text(s), r.after);
-      if (result != INT_MIN) {
-        EXPECT_EQ(result, r.result);
-      }
-    });
-  }
-}
 
 TYPED_TEST(Edit, TrimmingRemovesExactlyTheFourBlanksOrTheGivenCharacters) {
   typedef TypeParam S;
@@ -186,18 +157,4 @@ TYPED_TEST(Edit, SubstringReplaceAgreesWithTheStepByStepLoop) {
   const C* text = own;
   EXPECT_EQ(own.Replace(text + 3, text + 1), 0);  // "ab" by "bcab"
   EXPECT_EQ(Text(own), "bcabcbcab");
-}
-
-TEST(EditWidths, OnlyTheWideReplaceWritesThroughASharedText) {
-  Ka_AString a("banana"), b(a);
-  EXPECT_EQ(b.Replace("an", "A"), 0);
-  EXPECT_EQ(Text(a), "banana");
-  const auto an = Chars<Ka_WString>("an"), A = Chars<Ka_WString>("A"), ANN = Chars<Ka_WString>("ANN");
-  Ka_WString w = Make<Ka_WString>("banana"), v(w);
-  EXPECT_EQ(v.Replace(an.c_str(), A.c_str()), 0);  // shorter: in the shared block (deliberate)
-  EXPECT_EQ(w.GetData(), v.GetData());
-  EXPECT_EQ(Text(w), "bAAa");
-  EXPECT_EQ(v.Replace(A.c_str(), ANN.c_str()), 0);  // longer: made private first
-  EXPECT_EQ(Text(w), "bAAa");
-  EXPECT_EQ(Text(v), "bANNANNa");
 }

@@ -1,13 +1,16 @@
 // Helpers for the string tests: texts of either width written as bytes, a
 // reading of what a string holds, the class invariant, and a runner that
-// makes an edit on a private text and on a shared one.
+// makes an edit on a private text and on a shared one, alone or as table rows.
 #ifndef KALBOR_TESTS_STRINGS_STRING_SUPPORT_H
 #define KALBOR_TESTS_STRINGS_STRING_SUPPORT_H
 
 #include <gtest/gtest.h>
 #include <kalbor/kalbor.h>
 
+#include <climits>
+#include <functional>
 #include <string>
+#include <vector>
 
 typedef ::testing::Types<Ka_AString, Ka_WString> BothStrings;
 
@@ -66,9 +69,31 @@ void OnPrivateAndShared(const std::string& bytes, Edit edit) {
     if (shared) other = s;
     edit(s);
     ExpectWellFormed(s);
-    if (shared) {
-      EXPECT_EQ(Text(other), bytes) << "the edit reached another owner";
-    }
+    EXPECT_TRUE(!shared || Text(other) == bytes) << "the edit reached another owner: " << Text(other);
+  }
+}
+
+// One row: the text before, the edit on `s`, the text after and the edit's
+// result (not checked for edits that return nothing: DO).
+template <class S>
+struct EditRow {
+  std::string before;
+  std::function<int(S&)> edit;
+  std::string after;
+  int result;
+};
+#define EDIT(expr) [&](S & s) { return (expr); }
+#define DO(statement) [&](S & s) { return (statement), INT_MIN; }
+
+template <class S>
+void RunEdits(const std::vector<EditRow<S>>& rows) {
+  for (const EditRow<S>& r : rows) {
+    SCOPED_TRACE("\"" + r.before + "\" to \"" + r.after + "\"");
+    OnPrivateAndShared<S>(r.before, [&r](S& s) {
+      const int result = r.edit(s);
+      EXPECT_EQ(Text(s), r.after);
+      EXPECT_TRUE(result == INT_MIN || result == r.result) << result;
+    });
   }
 }
 
