@@ -58,8 +58,8 @@ TEST(DateCounts, AgreeWithAnIndependentDayCount) {
   std::mt19937 rng(7);
   for (int i = 0; i < 20000; ++i) check(DayNumber(1, 1, 1) + rng() % (DayNumber(9999, 12, 31) - 1));
   // In year 0000 the day count's divisions truncate toward zero, which puts
-  // its day numbers (0 and below) one above the proleptic count; weekdays
-  // follow them on the same seven-day cycle.
+  // its day numbers one above the proleptic count (0000-12-31 shares day 1
+  // with 0001-01-01); weekdays follow them on the same seven-day cycle.
   for (int64_t n = DayNumber(0, 1, 1); n <= DayNumber(0, 12, 31); ++n) {
     const Civil c = FromDayNumber(n);
     const std::string s = DateText(c.y, c.m, c.d);
