@@ -4,7 +4,7 @@
 # and checks standard output and the exit status; a failed run must explain
 # itself on standard error with a "kalbor: " message.
 # streaming: conv on input larger than its 64 KiB chunk, with a multi-byte
-# character across each chunk boundary, both ways.
+# character across each chunk boundary, both ways, and a stateful page.
 #
 # Texts are CMake strings; "hex:" gives bytes instead (lower case; 00 only
 # in an output) and "regex:" matches the output against a regular expression.
@@ -134,7 +134,19 @@ elseif(PART STREQUAL "streaming")
   file(READ "${WORK}/back.txt" back)
   if(NOT statuses STREQUAL "0;0" OR NOT back STREQUAL text)
     string(LENGTH "${back}" length)
-    set(failures "\n  round trip through EUC-KR: exit statuses ${statuses}, ${length} bytes back")
+    string(APPEND failures "\n  round trip through EUC-KR: exit statuses ${statuses}, ${length} bytes back")
+  endif()
+  # ISO-2022-JP switches to its double-byte state inside each line: 21-byte
+  # lines put one across the chunk boundary of the ISO-2022-JP text.
+  string(REPEAT "日本語テキスト\n" 5000 text)
+  file(WRITE "${WORK}/lines.txt" "${text}")
+  execute_process(COMMAND "${KALBOR}" conv --from utf-8 --to iso-2022-jp "${WORK}/lines.txt"
+                  COMMAND "${KALBOR}" conv --from iso-2022-jp --to utf-8
+                  OUTPUT_FILE "${WORK}/back.txt" RESULTS_VARIABLE statuses)
+  file(READ "${WORK}/back.txt" back)
+  if(NOT statuses STREQUAL "0;0" OR NOT back STREQUAL text)
+    string(LENGTH "${back}" length)
+    string(APPEND failures "\n  round trip through ISO-2022-JP: exit statuses ${statuses}, ${length} bytes back")
   endif()
 else()
   message(FATAL_ERROR "PART must be table or streaming")
