@@ -78,8 +78,9 @@ void RunEdits(const std::vector<EditRow>& rows) {
   }
 }
 
-TEST(BufferEdit, SetAppendInsertDeleteAndAddSizeFollowTheirRanges) {
+TEST(BufferEdit, EditsFollowTheirRangesReadTheirOwnBytesAndRefuseOversizedRequests) {
   const std::string xy = "xy";
+  const Ka_WString wide(KA_W("a\u00E9\uAC00"));
   RunEdits({
       {"", DO(b.Set(U(xy), 2)), "xy", 0},                          // a new block
       {kFive, DO(b.Set(U(xy), 0)), "", 0},                         // n below 1 empties
@@ -100,6 +101,20 @@ TEST(BufferEdit, SetAppendInsertDeleteAndAddSizeFollowTheirRanges) {
       {kFive, EDIT(b.Delete(0, 5)), "", 5},                        // everything: a block of length 0
       {kFive, EDIT(b.AddSize(-2)), "abc", 3},                      // AddSize shortens through GetSafeBuffer
       {kFive, EDIT(b.AddSize(-9)), kFive, 5},                      // below 0 it only makes the block private
+      // Wide text is converted whole.
+      {"x", DO(b.AppendStr(static_cast<const ka_wchar*>(nullptr), 3, 65001)), "x", 0},  //
+      {"x", DO(b.AppendStr(wide, 1, 65001)), "xa\xC3\xA9\xEA\xB0\x80", 0},  // n is ignored (deliberate)
+      {"x", DO(b.AppendStr(wide, 2, 1252)), "xa\xE9?", 0},                  // the page's default for U+AC00
+      // Arguments inside the buffer itself are read before they move.
+      {kFive, DO(b.Set(b.GetPtr(1), 3)), "bcd", 0},                        // a slice of itself
+      {kFive, DO(b.Insert(1, b.GetPtr(3), 2)), "adebcde", 0},              //
+      {std::string(30, 'q'), DO(b.Append(b.GetPtr(0), 30)), std::string(60, 'q'), 0},  // growing to another group
+      // Oversized requests leave the buffer as it was.
+      {kFive, DO(b.Set(nullptr, Ka_Buffer::kMaxLength + 1)), kFive, 0},     //
+      {kFive, DO(b.Append(nullptr, Ka_Buffer::kMaxLength - 4)), kFive, 0},  // the sum is one too many
+      {kFive, DO(b.Insert(0, nullptr, LONG_MAX)), kFive, 0},                //
+      {kFive, EDIT(b.AddSize(LONG_MAX)), kFive, 5},                         // no overflow of the sum
+      {kFive, EDIT(b.GetSafeBuffer(LONG_MAX) == nullptr), kFive, 1},        //
   });
 }
 
@@ -118,18 +133,6 @@ TEST(BufferEdit, TheByteAfterTheEndMovesWithInsertAndDeleteAndAppendWritesItBelo
     // length + 1 = 31 lies below the capacity of 32; 32 does not (deliberate).
     EXPECT_EQ(b.GetPtr(0)[length + 1], length == 30 ? 0 : 'X') << length;
   }
-}
-
-TEST(BufferEdit, WideTextIsAppendedWholeAndArgumentsInsideTheBufferAreReadBeforeTheyMove) {
-  const Ka_WString wide(KA_W("a\u00E9\uAC00"));
-  RunEdits({
-      {"x", DO(b.AppendStr(static_cast<const ka_wchar*>(nullptr), 3, 65001)), "x", 0},  //
-      {"x", DO(b.AppendStr(wide, 1, 65001)), "xa\xC3\xA9\xEA\xB0\x80", 0},  // n is ignored (deliberate)
-      {"x", DO(b.AppendStr(wide, 2, 1252)), "xa\xE9?", 0},                  // the page's default for U+AC00
-      {kFive, DO(b.Set(b.GetPtr(1), 3)), "bcd", 0},                        // a slice of itself
-      {kFive, DO(b.Insert(1, b.GetPtr(3), 2)), "adebcde", 0},              //
-      {std::string(30, 'q'), DO(b.Append(b.GetPtr(0), 30)), std::string(60, 'q'), 0},  // growing to another group
-  });
 }
 
 TEST(BufferSize, GetSafeBufferKeepsTheBytesAndTheOneAfterThem) {
@@ -189,16 +192,6 @@ TEST(BufferBytes, ReadsOutsideTheLengthGiveZero) {
   EXPECT_EQ(b[size_t(1)], 0xFF);
   EXPECT_EQ(b[static_cast<unsigned long long>(-1)], 0) << "an index past LLONG_MAX";
   EXPECT_EQ(Ka_Buffer().GetAt(0), 0);
-}
-
-TEST(BufferLimits, OversizedRequestsLeaveTheBufferAsItWas) {
-  RunEdits({
-      {kFive, DO(b.Set(nullptr, Ka_Buffer::kMaxLength + 1)), kFive, 0},     //
-      {kFive, DO(b.Append(nullptr, Ka_Buffer::kMaxLength - 4)), kFive, 0},  // the sum is one too many
-      {kFive, DO(b.Insert(0, nullptr, LONG_MAX)), kFive, 0},                //
-      {kFive, EDIT(b.AddSize(LONG_MAX)), kFive, 5},                         // no overflow of the sum
-      {kFive, EDIT(b.GetSafeBuffer(LONG_MAX) == nullptr), kFive, 1},        //
-  });
 }
 
 TEST(BufferOrder, CompareReadsTheLargerLengthButNothingOutsideEitherBlock) {
