@@ -30,6 +30,7 @@ TEST(Conversion, ResultsTerminatorsAndRefusals) {
       {1252, "ab", -7, 8, 3, "any negative srcLen does"},
       {1252, "abc", 3, 3, 3, "dstSize counts the units before the terminator"},
       {1252, "abc", 3, 2, 0, "one unit too many: 0"},
+      {1252, "abc", 3, 0, 0, "dstSize 0 with a buffer converts nothing"},
       {949, "\xB0\xA1\xB0\xA1", 4, 1, 0, "a double-byte text too long: 0"},
       {1200, "ab", 2, 8, 0, "UTF-16 is refused, as by Windows"},
       {437, "ab", 2, 8, 0, "pages outside the library's set give 0"},
@@ -54,28 +55,13 @@ TEST(Conversion, ResultsTerminatorsAndRefusals) {
     }
     if (m > 0) {
       EXPECT_EQ(out[static_cast<size_t>(m)], 0) << r.guards;
+    } else {
+      EXPECT_EQ(out.substr(static_cast<size_t>(size)), std::string(12 - static_cast<size_t>(size), 'Z')) << r.guards;
     }
   }
   EXPECT_EQ(KaToUnicode(nullptr, 4, "ab", 2, 1252), 0);  // no destination to write
   EXPECT_EQ(KaToUnicode(nullptr, 0, nullptr, 2, 1252), 0);
   EXPECT_EQ(KaToAscii(nullptr, 0, nullptr, -1, 65001), 0);
-}
-
-TEST(Conversion, ZeroSizeWithABufferConvertsNothingWhileANullBufferMeasures) {
-  WText dst(4, kMark);
-  EXPECT_EQ(KaToUnicode(&dst[0], 0, "abc", 3, 1252), 0);
-  EXPECT_EQ(dst, WText(4, kMark));
-  std::string out(4, 'Z');
-  EXPECT_EQ(KaToAscii(&out[0], 0, W(u"abc").c_str(), 3, 1252), 0);
-  EXPECT_EQ(out, "ZZZZ");
-  for (unsigned cp : kLibraryPages) {
-    const std::string bytes = ToNarrow(cp, kMixed).text;
-    const int need = KaToAscii(nullptr, 0, kMixed.c_str(), static_cast<int>(kMixed.size()), cp);
-    EXPECT_EQ(need, static_cast<int>(bytes.size())) << cp;
-    EXPECT_EQ(KaToUnicode(nullptr, 0, bytes.c_str(), static_cast<int>(bytes.size()), cp),
-              static_cast<int>(ToWide(cp, bytes).text.size()))
-        << cp;
-  }
 }
 
 TEST(Conversion, EveryTooSmallDestinationGivesZeroAndNothingPastIt) {
