@@ -91,14 +91,11 @@ TYPED_TEST(Parse, ReplacesTheListWithoutTouchingItsCopiesAndOrdersASortedOne) {
   EXPECT_EQ(Show(sorted, '|'), "3:a|b|c") << "fields placed by order, equal ones merged";
 }
 
-TEST(ParseWide, DelimitersAndTheEscapeMayLieAbove255) {
-  Ka_WStrList l;
+TEST(ParseWidths, WideUnitsAbove255AndTheNarrowLeadByteStep) {
+  Ka_WStrList w;
   const ka_wchar text[] = {'x', 0x3001, 'y', 0xFFE9, 0x3001, 'z', 0}, delimiters[] = {';', 0x3001, 0};
-  EXPECT_EQ(l.Parse(text, delimiters, '\xE9', 0, 0, 0, 1, 0), 3) << "the escape 0xE9 reads as the unit 0xFFE9";
-  EXPECT_EQ(Show(l, '|'), "3:x|y|z");
-}
-
-TEST(ParseNarrow, TheLeadByteStepNeverPairsBytes) {
+  EXPECT_EQ(w.Parse(text, delimiters, '\xE9', 0, 0, 0, 1, 0), 3) << "the escape 0xE9 reads as the unit 0xFFE9";
+  EXPECT_EQ(Show(w, '|'), "3:x|y|z");
   const unsigned int old = KaSetLocaleCP(932);
   Ka_AStrList l;
   // 0x81 leads a pair in code page 932, yet is copied singly and the quote
