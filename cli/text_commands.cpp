@@ -180,26 +180,40 @@ int RunBase64(const Args& a) {
     } while (got == chunk.size());
     return !any || Write("\n") ? kDone : kFailed;
   }
-  std::string text;
-  if (!in.ReadAll(&text)) return CannotRead(in);
   // Line breaks and blanks are dropped; anything else outside the alphabet,
-  // or text after the "=" padding, is refused.
+  // or text after the "=" padding, is refused. Whole groups of four digits
+  // decode on their own, so the bytes come out chunk by chunk too (those
+  // before a refused byte included).
+  std::vector<char> chunk(kChunk);
   std::string digits;
+  size_t decoded = 0;  // digits decoded so far
   size_t padding = 0;
-  for (const unsigned char c : text) {
-    const bool alphabet = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '+' ||
-                          c == '/';
-    if (c == ' ' || c == '\t' || c == '\r' || c == '\n') continue;
-    if (c == '=' && ++padding <= 2) continue;
-    if (!alphabet || padding > 0) return Failure("invalid Base64 input");
-    digits += static_cast<char>(c);
-  }
-  if (digits.size() % 4 == 1 || (padding > 0 && (digits.size() + padding) % 4 != 0))
+  size_t got = 0;
+  auto decodeGroups = [&](size_t n) {
+    const std::string group = digits.substr(0, n);  // ends in a zero, which ends the run
+    Ka_Buffer bytes;
+    bytes.DecodeBase64(group.c_str(), static_cast<long>(n));
+    digits.erase(0, n);
+    decoded += n;
+    return Write(bytes.GetPtr(0), static_cast<size_t>(bytes.GetLength()));
+  };
+  do {
+    if (!in.Read(chunk.data(), chunk.size(), &got)) return CannotRead(in);
+    for (size_t i = 0; i < got; ++i) {
+      const unsigned char c = static_cast<unsigned char>(chunk[i]);
+      const bool alphabet = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') ||
+                            c == '+' || c == '/';
+      if (c == ' ' || c == '\t' || c == '\r' || c == '\n') continue;
+      if (c == '=' && ++padding <= 2) continue;
+      if (!alphabet || padding > 0) return Failure("invalid Base64 input");
+      digits += static_cast<char>(c);
+    }
+    if (digits.size() >= kChunk && !decodeGroups(digits.size() / 4 * 4)) return kFailed;
+  } while (got == chunk.size());
+  const size_t total = decoded + digits.size();
+  if (total % 4 == 1 || (padding > 0 && (total + padding) % 4 != 0))
     return Failure("invalid Base64 input: incomplete last group");
-  if (digits.empty()) return kDone;
-  Ka_Buffer bytes;
-  bytes.DecodeBase64(digits.c_str(), static_cast<long>(digits.size()));
-  return Write(bytes.GetPtr(0), static_cast<size_t>(bytes.GetLength())) ? kDone : kFailed;
+  return digits.empty() || decodeGroups(digits.size()) ? kDone : kFailed;
 }
 
 namespace {
