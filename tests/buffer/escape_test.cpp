@@ -18,6 +18,11 @@ class Escape : public ::testing::Test {
 };
 TYPED_TEST_SUITE(Escape, BothWidths);
 
+// A text and what a member makes of it.
+struct TextRow {
+  std::string text, result;
+};
+
 // Decodes text (member 0: DecodeXml, 1: DecodeUrl) held in memory of exactly
 // its size into a private and a shared string; with n = -2 (the default) n
 // is that size and the string form must agree; n = -1 adds a terminator.
@@ -36,7 +41,7 @@ void ExpectDecodes(int member, const std::string& text, const std::string& expec
   });
 }
 
-TYPED_TEST(Escape, QuoteStrEscapesTheQuoteAndBackslashOnly) {
+TYPED_TEST(Escape, QuotingEscapesTheQuoteAndBackslashOnlyAndUnquotingDropsEscapesAndTheClosingQuote) {
   typedef TypeParam S;
   typedef CharOf<S> C;
   struct Row {
@@ -57,14 +62,7 @@ TYPED_TEST(Escape, QuoteStrEscapesTheQuoteAndBackslashOnly) {
   }
   const S empty;
   EXPECT_EQ(empty.QuoteStr(C('"')).GetData(), nullptr);
-}
-
-TYPED_TEST(Escape, UnQuoteStrDropsEscapesAndTheClosingQuote) {
-  typedef TypeParam S;
-  struct Row {
-    std::string text;
-    std::string plain;
-  } rows[] = {
+  const TextRow unquotings[] = {
       {"", ""},                                  // empty
       {"abc", "abc"},                            // no opening quote: unchanged
       {"\"", ""},                                // a quote alone
@@ -79,17 +77,14 @@ TYPED_TEST(Escape, UnQuoteStrDropsEscapesAndTheClosingQuote) {
       {"\"ab\\", "ab"},                          // a final backslash goes
       {std::string("\"a\0b\"", 5), "a"},         // the length ends at the first zero
   };
-  for (const Row& r : rows) EXPECT_EQ(Text(Make<S>(r.text).UnQuoteStr()), r.plain) << r.text;
+  for (const TextRow& r : unquotings) EXPECT_EQ(Text(Make<S>(r.text).UnQuoteStr()), r.result) << r.text;
   const S plain = Make<S>("abc");
   EXPECT_EQ(plain.UnQuoteStr().GetData(), plain.GetData()) << "unchanged text is shared";
 }
 
-TYPED_TEST(Escape, EncodeXmlEscapesMarkupBlanksAndLineEnds) {
+TYPED_TEST(Escape, XmlEncodingEscapesMarkupBlanksAndLineEndsAndDecodingReadsEntities) {
   typedef TypeParam S;
-  struct Row {
-    std::string text;
-    std::string encoded;
-  } rows[] = {
+  const TextRow rows[] = {
       {"", ""},                                                       //
       {"a b", "a&#32;b"},                                             // blanks too (deliberate)
       {"<&>", "&lt;&amp;&gt;"},                                       //
@@ -97,17 +92,11 @@ TYPED_TEST(Escape, EncodeXmlEscapesMarkupBlanksAndLineEnds) {
       {"\t\n\r", "&#9;&#10;&#13;"},                                   // line ends and tabs too (deliberate)
       {std::string("x\0\x7F", 3), std::string("x\0\x7F", 3)},        // other characters are copied
   };
-  for (const Row& r : rows) EXPECT_EQ(Text(Make<S>(r.text).EncodeXml()), r.encoded) << r.text;
+  for (const TextRow& r : rows) EXPECT_EQ(Text(Make<S>(r.text).EncodeXml()), r.result) << r.text;
   const S plain = Make<S>("plain.text");
   EXPECT_EQ(plain.EncodeXml().GetData(), plain.GetData()) << "nothing to escape: shared";
-}
-
-TYPED_TEST(Escape, DecodeXmlReadsNamedAndNumericEntities) {
-  typedef TypeParam S;
-  struct Row {
-    std::string text;
-    std::string decoded;
-  } rows[] = {
+  EXPECT_EQ(plain.DecodeXml().GetData(), plain.GetData()) << "nothing to decode: shared";
+  const TextRow decodings[] = {
       {"", ""},                                         // empty text
       {"plain", "plain"},                               // no "&": copied
       {"&lt;&gt;&amp;&quot;&apos;", "<>&\"'"},           // the five names
@@ -132,27 +121,24 @@ TYPED_TEST(Escape, DecodeXmlReadsNamedAndNumericEntities) {
       {"&#&#65;", ""},                                  // one entity up to the ";": no number, 0
       {std::string("a\0&lt;", 6), "a"},                 // a zero in the text ends the result
   };
-  for (const Row& r : rows) ExpectDecodes<S>(0, r.text, r.decoded);
+  for (const TextRow& r : decodings) ExpectDecodes<S>(0, r.text, r.result);
   ExpectDecodes<S>(0, "&lt;xx", "&lt", 3);  // n bounds the text: the name is cut short
   ExpectDecodes<S>(0, "&#65;", "&#6", 3);   // and so is the ";"
   ExpectDecodes<S>(0, "abc", "", 0);        // n = 0 empties
   ExpectDecodes<S>(0, "a&lt;", "a<", -1);   // n < 0: up to the terminator
-  const S plain = Make<S>("no entities");
-  EXPECT_EQ(plain.DecodeXml().GetData(), plain.GetData()) << "nothing to decode: shared";
+  OnPrivateAndShared<S>("a&lt;b", [](S& s) {
+    s.DecodeXml(s);  // its own text
+    EXPECT_EQ(Text(s), "a<b");
+  });
 }
 
-TYPED_TEST(Escape, EncodeUrlKeepsItsSetAndPercentEncodesTheRest) {
+TYPED_TEST(Escape, UrlEncodingKeepsItsSetAndDecodingTurnsEveryPairIntoAByte) {
   typedef TypeParam S;
-  struct Row {
-    std::string text;
-    std::string encoded;
-  } rows[] = {
-      {"", ""},                                           //
-      {"a b-c~", "a%20b%2Dc%7E"},                         // "-" and "~" are escaped (deliberate)
-  };
-  for (const Row& r : rows) EXPECT_EQ(Text(Make<S>(r.text).EncodeUrl()), r.encoded) << r.text;
+  EXPECT_EQ(S().EncodeUrl().GetData(), nullptr);
+  EXPECT_EQ(Text(Make<S>("a b-c~").EncodeUrl()), "a%20b%2Dc%7E") << "\"-\" and \"~\" are escaped (deliberate)";
   const S plain = Make<S>("kept.as(is)");
   EXPECT_EQ(plain.EncodeUrl().GetData(), plain.GetData()) << "nothing to escape: shared";
+  EXPECT_EQ(plain.DecodeUrl().GetData(), plain.GetData()) << "nothing to decode: shared";
   // Every ASCII character alone: kept, or "%" and its code ("<" and ">" lie
   // just past the kept run "0" to ";").
   const std::string kept = "0123456789:;ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz$_.!*'()";
@@ -162,14 +148,7 @@ TYPED_TEST(Escape, EncodeUrlKeepsItsSetAndPercentEncodesTheRest) {
     const std::string one(1, static_cast<char>(c));
     EXPECT_EQ(Text(Make<S>(one).EncodeUrl()), kept.find(one) != std::string::npos ? one : escaped) << c;
   }
-}
-
-TYPED_TEST(Escape, DecodeUrlTurnsEveryPairIntoAByte) {
-  typedef TypeParam S;
-  struct Row {
-    std::string text;
-    std::string decoded;
-  } rows[] = {
+  const TextRow decodings[] = {
       {"", ""},                          //
       {"a+b%41", "a+bA"},                // "+" stays (deliberate)
       {"%2d%2D", "--"},                  // either case
@@ -181,25 +160,15 @@ TYPED_TEST(Escape, DecodeUrlTurnsEveryPairIntoAByte) {
       {"%4", "%4"},                      // and with one character after it
       {"a%4", "a%4"},                    //
   };
-  for (const Row& r : rows) ExpectDecodes<S>(1, r.text, r.decoded);
+  for (const TextRow& r : decodings) ExpectDecodes<S>(1, r.text, r.result);
   ExpectDecodes<S>(1, "%41", "%4", 2);  // n bounds the pair
-  const S plain = Make<S>("no percent");
-  EXPECT_EQ(plain.DecodeUrl().GetData(), plain.GetData()) << "nothing to decode: shared";
-}
-
-TYPED_TEST(Escape, DecodersMayReadTheirOwnText) {
-  typedef TypeParam S;
-  OnPrivateAndShared<S>("a&lt;b", [](S& s) {
-    s.DecodeXml(s);
-    EXPECT_EQ(Text(s), "a<b");
-  });
   OnPrivateAndShared<S>("%41%42", [](S& s) {
-    s.DecodeUrl(static_cast<const CharOf<S>*>(s), s.GetLength());
+    s.DecodeUrl(static_cast<const CharOf<S>*>(s), s.GetLength());  // its own text
     EXPECT_EQ(Text(s), "AB");
   });
 }
 
-TYPED_TEST(Escape, EncodingOrQuotingThenUndoingItGivesTheTextBack) {
+TYPED_TEST(Escape, RandomTextsComeBackFromEachEncodingAndDecodeWithinTheirBounds) {
   typedef TypeParam S;
   std::mt19937 random(3);
   for (int round = 0; round < 500; ++round) {
@@ -212,11 +181,8 @@ TYPED_TEST(Escape, EncodingOrQuotingThenUndoingItGivesTheTextBack) {
     ASSERT_EQ(Text(s.QuoteStr('"').UnQuoteStr()), text);
     ASSERT_EQ(Text(s.QuoteStr('\'').UnQuoteStr()), text);
   }
-}
-
-TYPED_TEST(Escape, MalformedTextDecodesWithinItsBounds) {
-  typedef TypeParam S;
-  std::mt19937 random(9);
+  // Malformed text decodes within its bounds.
+  random.seed(9);
   const std::string pool = "&#x;%0123456789aAfFgG`lt;amp;quot; \t";
   for (int round = 0; round < 3000; ++round) {
     const size_t length = random() % 16;
