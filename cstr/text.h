@@ -20,6 +20,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "platform/wide_length.h"
+
 namespace ka_cstr {
 
 // 8-bit text.
@@ -47,22 +49,10 @@ struct WideText {
   typedef uint16_t UChar;
   static int Value(Char c) { return static_cast<int>(static_cast<uint16_t>(c)); }
   static int Diff(int v) { return v; }
-  // Unrolled so that the common case tests four units per loop; each unit
-  // is read only once the ones before it were found non-zero.
-  static size_t Length(const Char* s) {
-    const Char* p = s;
-    for (;; p += 4) {
-      if (p[0] == 0) break;
-      if (p[1] == 0) return static_cast<size_t>(p + 1 - s);
-      if (p[2] == 0) return static_cast<size_t>(p + 2 - s);
-      if (p[3] == 0) return static_cast<size_t>(p + 3 - s);
-    }
-    return static_cast<size_t>(p - s);
-  }
+  // The platform layer measures with the processor's vector code where it can.
+  static size_t Length(const Char* s) { return ka_platform::WideLength(reinterpret_cast<const uint16_t*>(s)); }
   static size_t LengthUpTo(const Char* s, size_t limit) {
-    size_t n = 0;
-    while (n < limit && s[n] != 0) ++n;
-    return n;
+    return ka_platform::WideLengthUpTo(reinterpret_cast<const uint16_t*>(s), limit);
   }
   static const Char* Find(const Char* s, size_t n, Char c) {
     for (const Char* end = s + n; s != end; ++s)

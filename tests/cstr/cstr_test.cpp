@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <kalbor/kalbor.h>
 
+#include <algorithm>
 #include <cstring>
 #include <random>
 #include <string>
@@ -207,6 +208,20 @@ TEST(CStrWidths, WideCopiesKeepTheNullRulesWideningZeroExtendsNarrowingTruncates
   EXPECT_STREQ(ka_wide2ascii(narrow, KA_W("\u0141\u20E9"), 8), "A\xE9");  // low bytes only
   EXPECT_EQ(ka_wide2ascii(nullptr, KA_W("a"), 8), nullptr);
   EXPECT_EQ(ka_ascii2wide(nullptr, "a", 8), nullptr);
+}
+
+// Wide lengths are measured in aligned blocks: every start within a block
+// and every end near the next ones, the terminator the only zero.
+TEST(CStrWidths, WideLengthAtEveryAlignment) {
+  alignas(32) ka_wchar text[80];
+  for (int start = 0; start < 16; ++start)
+    for (int length = 0; length < 48; ++length) {
+      std::fill(text, text + 80, ka_wchar('x'));
+      text[start + length] = 0;
+      ASSERT_EQ(ka_strlenW(text + start), length) << start;
+      if (length > 0) text[start + length - 1] = ka_wchar('y');
+      EXPECT_EQ(ka_strstrW(text + start, KA_W("y")), length > 0 ? text + start + length - 1 : nullptr) << start;
+    }
 }
 
 TYPED_TEST(CStr, FindersFollowTheNullAndEdgeRules) {
