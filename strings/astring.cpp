@@ -29,7 +29,7 @@ const Ka_AString& Ka_AString::operator+=(const char* s) {
   return *this;
 }
 
-const Ka_AString& Ka_AString::operator+=(char c) {
+const Ka_AString& Ka_AString::_AppendOne(char c) {
   Ops::ConcatInPlace(*this, &c, 1);
   return *this;
 }

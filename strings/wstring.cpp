@@ -29,7 +29,7 @@ const Ka_WString& Ka_WString::operator+=(const ka_wchar* s) {
   return *this;
 }
 
-const Ka_WString& Ka_WString::operator+=(ka_wchar c) {
+const Ka_WString& Ka_WString::_AppendOne(ka_wchar c) {
   Ops::ConcatInPlace(*this, &c, 1);
   return *this;
 }

@@ -214,7 +214,14 @@ class KA_API Ka_AString {
   // Appends s up to its zero; nothing for null or empty s.
   const Ka_AString& operator+=(const char* s);
   // Appends c; the character 0 appends nothing.
-  const Ka_AString& operator+=(char c);
+  const Ka_AString& operator+=(char c) {
+    const int old = GetLength();
+    if (c == 0 || !_IsPrivateWithRoom(old + 1)) return _AppendOne(c);
+    m_pchData[old] = c;  // in place, inline: the common case of a loop of appends
+    GetData()->nDataLength = Traits::Stored(old + 1);
+    m_pchData[old + 1] = 0;
+    return *this;
+  }
   // Releases the text; the string becomes null.
   void Empty() { Release(); }
 
@@ -515,6 +522,8 @@ class KA_API Ka_AString {
   void _AddRef() {
     if (m_pchData != nullptr) GetData()->AddRef();
   }
+  // operator+=(c) when the text is shared, full or null, or c is 0.
+  const Ka_AString& _AppendOne(char c);
   bool _IsPrivateWithRoom(int n) const {
     return n <= Traits::kMaxLength && m_pchData != nullptr && ka_interlocked_read(&GetData()->nRefs) <= 1 &&
            n <= GetAllocLength();
@@ -596,7 +605,14 @@ class KA_API Ka_WString {
   const Ka_WString& operator=(ka_wchar c) { return Set(&c, 1); }
   const Ka_WString& operator+=(const Ka_WString& other);
   const Ka_WString& operator+=(const ka_wchar* s);
-  const Ka_WString& operator+=(ka_wchar c);
+  const Ka_WString& operator+=(ka_wchar c) {
+    const int old = GetLength();
+    if (c == 0 || !_IsPrivateWithRoom(old + 1)) return _AppendOne(c);
+    m_pchData[old] = c;  // in place, inline: the common case of a loop of appends
+    GetData()->nDataLength = Traits::Stored(old + 1);
+    m_pchData[old + 1] = 0;
+    return *this;
+  }
   void Empty() { Release(); }
 
   // ---- Code-page bridging (KaToUnicode, kalbor/codepage.h) -------------------
@@ -757,6 +773,8 @@ class KA_API Ka_WString {
   void _AddRef() {
     if (m_pchData != nullptr) GetData()->AddRef();
   }
+  // operator+=(c) when the text is shared, full or null, or c is 0.
+  const Ka_WString& _AppendOne(ka_wchar c);
   bool _IsPrivateWithRoom(int n) const {
     return n <= Traits::kMaxLength && m_pchData != nullptr && ka_interlocked_read(&GetData()->nRefs) <= 1 &&
            n <= GetAllocLength();

@@ -78,6 +78,7 @@ TYPED_TEST(Core, AppendingKeepsLengthsAndZerosAndReadsArgumentsInsideTheTextBefo
       {"ab", DO(s += Make<S>(std::string(40, 'x'))), "ab" + std::string(40, 'x'), 0},      // grows to the next group
       {"ab", DO((s += static_cast<const C*>(nullptr), s += cd.c_str())), "abcd", 0},       // a null text appends nothing
       {"ab", DO((s += C(0), s += C('e'))), "abe", 0},                                      // nor does the zero character
+      {text, DO((s += C('4'), s += C('5'), s += C('6'))), text + "456", 0},               // the third outgrows the 32-character group
       {"", DO(s += cd.c_str()), "cd", 0},                                                  // to the null string
       // Each edit below reads from the block it moves: the sanitizers see a
       // read of a freed block.
@@ -96,6 +97,10 @@ TYPED_TEST(Core, AppendingKeepsLengthsAndZerosAndReadsArgumentsInsideTheTextBefo
   zero = C(0);  // deliberate: a text of one zero character
   EXPECT_EQ(Text(zero), std::string(1, '\0'));
   EXPECT_EQ(zero.IsEmpty(), 1);
+  S shared = Make<S>("ab"), sharer = shared;
+  shared += C('c');  // a shared text moves before the character is appended
+  EXPECT_EQ(Text(sharer), "ab");
+  EXPECT_EQ(Text(shared), "abc");
 }
 
 TYPED_TEST(Core, SafeBufferGrowsToTheSizeGroupAndZeroFillsOnlyInPlace) {
