@@ -121,7 +121,7 @@ TEST(CStrWidths, AllComparisonsAgreeOnAsciiText) {
   }
 }
 
-TYPED_TEST(CStr, BoundedAppendAndDuplicateKeepTheNullRules) {
+TYPED_TEST(CStr, AppendsDuplicatesPiecesAndCaseChangesKeepTheNullRules) {
   typedef typename TypeParam::Char C;
   struct { const char* src; int n; const char* result; } rows[] = {
       {nullptr, 3, "ab"},  // null source: dst unchanged
@@ -141,15 +141,12 @@ TYPED_TEST(CStr, BoundedAppendAndDuplicateKeepTheNullRules) {
   ASSERT_NE(copy, nullptr);
   EXPECT_EQ(std::basic_string<C>(copy), Txt<C>("hello"));
   ka_free(copy);
-}
-
-TYPED_TEST(CStr, MiddleAndRightPiecesClampToTheText) {
-  typedef typename TypeParam::Char C;
+  // Middle and right pieces clamp to the text.
   struct {
     const char* src;
     int start, count;  // count below -100: ka_right with n = start instead
     const char* piece;
-  } rows[] = {
+  } pieces[] = {
       {nullptr, 0, 3, ""},         // null source: empty piece
       {"abcdef", 2, 3, "cde"},     // exactly count characters
       {"abcdef", 2, 10, "cdef"},   // the rest when shorter than count
@@ -160,7 +157,7 @@ TYPED_TEST(CStr, MiddleAndRightPiecesClampToTheText) {
       {"ab", 5, -999, "ab"},       // right: all of a shorter text
       {"ab", -3, -999, ""},        // right: a negative n takes none, reading nothing past the end
   };
-  for (auto& r : rows) {
+  for (auto& r : pieces) {
     Arg<C> src(r.src), dst("garbage");
     C* got = r.count < -100 ? TypeParam::right(src.p(), r.start, dst.p())
                             : TypeParam::substr(src.p(), r.start, r.count, dst.p());
@@ -169,10 +166,7 @@ TYPED_TEST(CStr, MiddleAndRightPiecesClampToTheText) {
   }
   EXPECT_EQ(TypeParam::substr(Arg<C>("abc").p(), 0, 1, nullptr), nullptr);
   EXPECT_EQ(TypeParam::right(Arg<C>("abc").p(), 1, nullptr), nullptr);
-}
-
-TYPED_TEST(CStr, CaseChangesTouchAsciiLettersOnly) {
-  typedef typename TypeParam::Char C;
+  // Case changes touch ASCII letters only.
   auto s = Txt<C>("aB1z[@\xC9\xE9");
   TypeParam::strrev(&s[0]);  // swaps case and deliberately keeps the order
   EXPECT_EQ(s, Txt<C>("Ab1Z[@\xC9\xE9"));
@@ -224,7 +218,7 @@ TEST(CStrWidths, WideLengthAtEveryAlignment) {
     }
 }
 
-TYPED_TEST(CStr, FindersFollowTheNullAndEdgeRules) {
+TYPED_TEST(CStr, FindersSetSearchAndSpanFollowTheNullAndEdgeRules) {
   // Where matches are and how many is the model test's business below.
   typedef typename TypeParam::Char C;
   Arg<C> text("xxABcb");
@@ -237,11 +231,8 @@ TYPED_TEST(CStr, FindersFollowTheNullAndEdgeRules) {
   EXPECT_EQ(TypeParam::strrchr(nullptr, 'a'), nullptr);
   EXPECT_EQ(TypeParam::countstr(nullptr, Arg<C>("a").p()), 0);
   EXPECT_EQ(TypeParam::countstr(s, Arg<C>("").p()), 0);  // would never finish otherwise
-}
-
-TYPED_TEST(CStr, SetSearchAndSpan) {
-  typedef typename TypeParam::Char C;
-  struct { const char *s, *set; int brk; int span; } rows[] = {  // index ka_strpbrk points at, -1 for null; ka_strspn
+  // Set search and span.
+  struct { const char *s, *set; int brk; int span; } sets[] = {  // index ka_strpbrk points at, -1 for null; ka_strspn
       {nullptr, "a", -1, -1},   // null text
       {"", "a", -1, 0},         // empty text: no hit, empty run
       {"", nullptr, -1, -1},    // empty text beats a null set for strpbrk
@@ -250,12 +241,12 @@ TYPED_TEST(CStr, SetSearchAndSpan) {
       {"aab", "a", 0, 2},       // leading run of the set
       {"xyzb", "ba", 3, 0},     // first character in the set, anywhere in it
   };
-  for (auto& r : rows) {
-    Arg<C> s(r.s), set(r.set);
-    const C* hit = TypeParam::strpbrk(s.p(), set.p());
+  for (auto& r : sets) {
+    Arg<C> str(r.s), set(r.set);
+    const C* hit = TypeParam::strpbrk(str.p(), set.p());
     SCOPED_TRACE(::testing::Message() << (r.s ? r.s : "null") << " / " << (r.set ? r.set : "null"));
-    EXPECT_EQ(hit == nullptr ? -1 : hit - s.p(), r.brk);
-    EXPECT_EQ(TypeParam::strspn(s.p(), set.p()), r.span);
+    EXPECT_EQ(hit == nullptr ? -1 : hit - str.p(), r.brk);
+    EXPECT_EQ(TypeParam::strspn(str.p(), set.p()), r.span);
   }
 }
 
@@ -336,7 +327,7 @@ TEST(CStrWidths, CharacterSearchRulesOfEachWidth) {
   EXPECT_EQ(ka_strrchrA(s, 0xE9), nullptr);
 }
 
-TYPED_TEST(CStr, SkipCountsOnlyTheFourBlanks) {
+TYPED_TEST(CStr, SkipsAndTrimsCountOnlyTheFourBlanks) {
   typedef typename TypeParam::Char C;
   struct { const char* s; int n, lead, trail; } rows[] = {  // ka_findskip / ka_findrskip over the first n
       {nullptr, 3, 0, 0},      // null
@@ -354,15 +345,12 @@ TYPED_TEST(CStr, SkipCountsOnlyTheFourBlanks) {
     EXPECT_EQ(TypeParam::findrskip(s.p(), r.n), r.trail) << r.n;
     EXPECT_EQ(TypeParam::skipspace(s.p(), r.n), r.s ? s.p() + r.lead : nullptr) << r.n;
   }
-}
-
-TYPED_TEST(CStr, TrimsReturnLengthsExceptLeftTrimsNegatedCount) {
-  typedef typename TypeParam::Char C;
+  // Trims return lengths, except the left trims: minus the count removed.
   struct {
     const char* s;
     int left, right, both;  // the results of ka_ltrim, ka_rtrim, ka_trim
     const char *lefted, *righted, *trimmed;
-  } rows[] = {
+  } trims[] = {
       {nullptr, 0, 0, 0, nullptr, nullptr, nullptr},  // null
       {"", 0, 0, 0, "", "", ""},                      // empty
       {" \t\n\r", -4, 0, 0, "", "", ""},              // all blank
@@ -370,7 +358,7 @@ TYPED_TEST(CStr, TrimsReturnLengthsExceptLeftTrimsNegatedCount) {
       {"ab\t\n", 0, 2, 2, "ab\t\n", "ab", "ab"},      // nothing to remove on the left: 0
       {" a b ", -1, 4, 3, "a b ", " a b", "a b"},     // inner blanks stay
   };
-  for (auto& r : rows) {
+  for (auto& r : trims) {
     Arg<C> l(r.s), rt(r.s), both(r.s);
     EXPECT_EQ(TypeParam::ltrim(l.p()), r.left) << r.s;
     EXPECT_EQ(TypeParam::rtrim(rt.p()), r.right) << r.s;
@@ -408,7 +396,7 @@ TYPED_TEST(CStr, PaddingNeverShortensAndPackingDropsBlanksAndTheRemoveSet) {
   EXPECT_EQ(TypeParam::packstr(nullptr, nullptr), 0);
 }
 
-TYPED_TEST(CStr, ClosingBracketSkipsNestingAndQuotes) {
+TYPED_TEST(CStr, ClosingBracketsAreFoundAndOuterPairsStripped) {
   typedef typename TypeParam::Char C;
   struct { const char* s; int pos, close; } rows[] = {
       {nullptr, 0, -1},       // null
@@ -427,11 +415,8 @@ TYPED_TEST(CStr, ClosingBracketSkipsNestingAndQuotes) {
       {"{'}", 0, -1},         // an inner quote left open hides the closer
   };
   for (auto& r : rows) EXPECT_EQ(TypeParam::findbrace(Arg<C>(r.s).p(), r.pos), r.close) << r.s << " at " << r.pos;
-}
-
-TYPED_TEST(CStr, OuterPairIsStrippedAndEscapesOptionallyDecoded) {
-  typedef typename TypeParam::Char C;
-  struct { const char* s; int unescape; const char* result; } rows[] = {
+  // The outer pair is stripped and escapes optionally decoded.
+  struct { const char* s; int unescape; const char* result; } strips[] = {
       {"", 1, ""},                          // empty
       {" plain ", 1, "plain"},              // no pair: just trimmed
       {" \"a\\tb\" ", 1, "a\tb"},           // tab escape decoded
@@ -444,7 +429,7 @@ TYPED_TEST(CStr, OuterPairIsStrippedAndEscapesOptionallyDecoded) {
       {"{abc", 1, "abc"},                   // no closer: only the opener goes
       {"( a )", 1, " a "},                  // the content is not trimmed again
   };
-  for (auto& r : rows) {
+  for (auto& r : strips) {
     Arg<C> s(r.s);
     EXPECT_EQ(TypeParam::trimbrace(s.p(), r.unescape), static_cast<int>(std::strlen(r.result))) << r.s;
     EXPECT_EQ(s.held(), Txt<C>(r.result)) << r.s;
@@ -452,7 +437,7 @@ TYPED_TEST(CStr, OuterPairIsStrippedAndEscapesOptionallyDecoded) {
   EXPECT_EQ(TypeParam::trimbrace(nullptr, 1), 0);
 }
 
-TYPED_TEST(CStr, ReplaceKeepsTheNullRulesAndMovesOnlyWhenTheBlockIsTooSmall) {
+TYPED_TEST(CStr, ReplaceKeepsTheNullRulesMovesOnlyWhenTheBlockIsTooSmallAndMatchesAStringLoop) {
   typedef typename TypeParam::Char C;
   Arg<C> x("X"), y("Y");
   EXPECT_EQ(TypeParam::replace(nullptr, x.p(), y.p()), nullptr);
@@ -489,10 +474,7 @@ TYPED_TEST(CStr, ReplaceKeepsTheNullRulesAndMovesOnlyWhenTheBlockIsTooSmall) {
   s = TypeParam::replace(s, Arg<C>("x").p(), s);  // the replacement is the text itself
   EXPECT_EQ(std::basic_string<C>(s), Txt<C>("xxxx"));
   ka_free(s);
-}
-
-TYPED_TEST(CStr, MatchesAStringReplaceLoopOnRandomTexts) {
-  typedef typename TypeParam::Char C;
+  // Random texts against a std::string replace loop.
   std::mt19937 rng(777);
   auto random_text = [&rng](size_t n) {
     std::basic_string<C> t;
