@@ -20,6 +20,8 @@ TYPED_TEST(Edit, EditsKeepLengthsAndZerosAndTrimOnlyTheFourBlanksOrTheGivenChara
       {" x\t\n", DO(s.Trim()), "x", 0},                                  // both ends
       {" \r\n\t", DO(s.Trim()), "", 0},                                  // all blank
       {"\vx\f", DO(s.Trim()), "\vx\f", 0},                               // vertical tab, form feed stay
+      {std::string("  a\0 b ", 7), DO(s.Trim()), std::string("a\0 b ", 5), 0},  // no blank before the zero
+      {std::string(" a \0b", 5), DO(s.Trim()), "a", 0},                  // the blanks before it go
       {std::string("ab \0 c", 6), DO(s.TrimRight()), "ab", 0},           // looks only before the zero
       {std::string("ab\0 ", 4), DO(s.TrimRight()), std::string("ab\0 ", 4), 0},  // no blank before it
       {"xxaxx", DO(s.TrimLeft(C('x'))), "axx", 0},                       //
