@@ -103,7 +103,7 @@ TYPED_TEST(Core, AppendingKeepsLengthsAndZerosAndReadsArgumentsInsideTheTextBefo
   EXPECT_EQ(Text(shared), "abc");
 }
 
-TYPED_TEST(Core, SafeBufferGrowsToTheSizeGroupAndZeroFillsOnlyInPlace) {
+TYPED_TEST(Core, SafeBufferGrowsToTheSizeGroupAndZeroFillsOnlyInPlaceAndFreeExtraOnlyFixesLengths) {
   typedef CharOf<TypeParam> C;
   auto group = [](int n) {
     const int unit = static_cast<int>(sizeof(C));
@@ -156,22 +156,20 @@ TYPED_TEST(Core, RequestsPastTheLongestTextChangeNothing) {
   EXPECT_EQ(s.GetLength(), most);
   s.GetData()->nDataLength = real;
   EXPECT_EQ(Text(s), "a b");
-}
-
-TYPED_TEST(Core, FreeExtraOnlyFixesTheLengthOfEverySharer) {
-  TypeParam s;
+  // FreeExtra only fixes the length, that of every sharer.
+  TypeParam t;
   const auto abc = Chars<TypeParam>("abc");
-  std::copy(abc.c_str(), abc.c_str() + 4, s.GetSafeBuffer(20));
-  const int capacity = s.GetAllocLength();
-  s.FreeExtra(50);  // above the length: nothing
-  EXPECT_EQ(s.GetLength(), 20);
-  s.FreeExtra(-1);
-  EXPECT_EQ(Text(s), "abc");
-  EXPECT_EQ(s.GetAllocLength(), capacity) << "frees nothing";
-  TypeParam other(s);
-  s.FreeExtra(1);  // deliberately not unshared
-  EXPECT_EQ(Text(other), "a");
-  ExpectWellFormed(other);
+  std::copy(abc.c_str(), abc.c_str() + 4, t.GetSafeBuffer(20));
+  const int capacity = t.GetAllocLength();
+  t.FreeExtra(50);  // above the length: nothing
+  EXPECT_EQ(t.GetLength(), 20);
+  t.FreeExtra(-1);
+  EXPECT_EQ(Text(t), "abc");
+  EXPECT_EQ(t.GetAllocLength(), capacity) << "frees nothing";
+  TypeParam sharer(t);
+  t.FreeExtra(1);  // deliberately not unshared
+  EXPECT_EQ(Text(sharer), "a");
+  ExpectWellFormed(sharer);
   TypeParam().FreeExtra(-1);
 }
 

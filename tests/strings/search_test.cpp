@@ -10,7 +10,8 @@ template <class S>
 class Search : public ::testing::Test {};
 TYPED_TEST_SUITE(Search, BothStrings);
 
-TYPED_TEST(Search, FindClampsTheStartAndStopsAtTheFirstZero) {
+TYPED_TEST(Search, FindClampsTheStartAndStopsAtTheFirstZeroReverseFindAndFindOneOf) {
+  typedef CharOf<TypeParam> C;
   struct Row {
     std::string text;
     const char* pattern;  // a one-character pattern also runs Find(char); null: a null pattern
@@ -42,14 +43,11 @@ TYPED_TEST(Search, FindClampsTheStartAndStopsAtTheFirstZero) {
   EXPECT_EQ(s.Findi(Chars<TypeParam>("ab").c_str(), 9), -1);
   EXPECT_EQ(s.Findi(Chars<TypeParam>("\xE9").c_str(), -2), -1) << "only ASCII letters fold";
   EXPECT_EQ(TypeParam().Findi(Chars<TypeParam>("").c_str()), -1);
-}
-
-TYPED_TEST(Search, ReverseFindFindOneOfAndFindOfTheZeroCharacter) {
-  typedef CharOf<TypeParam> C;
-  const TypeParam s = Make<TypeParam>("abcabc");
-  EXPECT_EQ(s.ReverseFind(C('b')), 4);
-  EXPECT_EQ(s.ReverseFind(C('z')), -1);
-  EXPECT_EQ(s.ReverseFind(C(0)), 6) << "the terminator is the last zero";
+  // Reverse search, set search and Find of the zero character.
+  const TypeParam abc = Make<TypeParam>("abcabc");
+  EXPECT_EQ(abc.ReverseFind(C('b')), 4);
+  EXPECT_EQ(abc.ReverseFind(C('z')), -1);
+  EXPECT_EQ(abc.ReverseFind(C(0)), 6) << "the terminator is the last zero";
   EXPECT_EQ(Make<TypeParam>("a\xE9" "b\xE9" "c").ReverseFind(C(0xE9)), 3) << "high bytes, on every platform";
   EXPECT_EQ(TypeParam().ReverseFind(C('a')), -1);
   // Find of the zero character: the narrow class finds the first zero, the
@@ -57,10 +55,10 @@ TYPED_TEST(Search, ReverseFindFindOneOfAndFindOfTheZeroCharacter) {
   const TypeParam zeros = Make<TypeParam>(std::string("ab\0cd", 5));
   const bool narrow = std::is_same<TypeParam, Ka_AString>::value;
   EXPECT_EQ(zeros.Find(C(0), 1), narrow ? 2 : -1);
-  EXPECT_EQ(s.Find(C(0)), narrow ? 6 : -1);
-  EXPECT_EQ(s.FindOneOf(Chars<TypeParam>("zc").c_str()), 2);
-  EXPECT_EQ(s.FindOneOf(Chars<TypeParam>("").c_str()), -1);
-  EXPECT_EQ(s.FindOneOf(nullptr), 0) << "a null set matches the first character";
+  EXPECT_EQ(abc.Find(C(0)), narrow ? 6 : -1);
+  EXPECT_EQ(abc.FindOneOf(Chars<TypeParam>("zc").c_str()), 2);
+  EXPECT_EQ(abc.FindOneOf(Chars<TypeParam>("").c_str()), -1);
+  EXPECT_EQ(abc.FindOneOf(nullptr), 0) << "a null set matches the first character";
   EXPECT_EQ(TypeParam().FindOneOf(Chars<TypeParam>("a").c_str()), -1);
 }
 
