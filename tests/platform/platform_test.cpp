@@ -31,11 +31,14 @@ constexpr bool kWindows =
     false;
 #endif
 
-// Everything written to the process's standard error while fn runs.
+// Everything written to the process's standard error while fn runs, through
+// a file in the working directory (the test's build folder): the C library's
+// temporary files may lie where a Windows user cannot write.
 template <class Fn>
 std::string CaptureStandardError(Fn fn) {
-  std::FILE* file = std::tmpfile();
-  if (file == nullptr) return "<no temporary file>";
+  const char* const path = "kalbor_platform_test_stderr.tmp";
+  std::FILE* file = std::fopen(path, "w+b");
+  if (file == nullptr) return "<cannot create " + std::string(path) + ">";
   std::fflush(stderr);
 #if defined(_WIN32)
   const int saved = _dup(_fileno(stderr));
@@ -56,6 +59,7 @@ std::string CaptureStandardError(Fn fn) {
   std::rewind(file);
   for (int c; (c = std::fgetc(file)) != EOF;) text.push_back(static_cast<char>(c));
   std::fclose(file);
+  std::remove(path);
   return text;
 }
 
