@@ -19,7 +19,8 @@ namespace {
 // directive that would need more.
 constexpr int kMaxArgs = 4;
 
-enum Kind { kInt, kLong, kDouble, kNarrow, kWide, kPointer };
+// kStar is the int of a * width or precision.
+enum Kind { kInt, kStar, kLong, kDouble, kNarrow, kWide, kPointer };
 
 struct Arg {
   Kind kind;
@@ -42,7 +43,7 @@ std::vector<Kind> ArgumentKinds(std::basic_string<C>& format) {
     while (at(i) == C('-') || at(i) == C('+') || at(i) == C('#') || at(i) == C(' ') || at(i) == C('0')) ++i;
     auto field = [&] {
       if (at(i) == C('*')) {
-        need.push_back(kInt);
+        need.push_back(kStar);
         ++i;
       } else {
         while (at(i) >= C('0') && at(i) <= C('9')) ++i;
@@ -93,7 +94,8 @@ void Call(S& s, const C* format, bool list, const Arg* args, int n, A... a) {
   if constexpr (sizeof...(A) < kMaxArgs) {
     if (n > 0) {
       switch (args->kind) {
-        case kInt: return Call(s, format, list, args + 1, n - 1, a..., args->i);
+        case kInt:
+        case kStar: return Call(s, format, list, args + 1, n - 1, a..., args->i);
         case kLong: return Call(s, format, list, args + 1, n - 1, a..., args->l);
         case kDouble: return Call(s, format, list, args + 1, n - 1, a..., args->d);
         case kNarrow: return Call(s, format, list, args + 1, n - 1, a..., static_cast<const char*>(args->p));
@@ -119,7 +121,11 @@ void Run(FuzzedDataProvider& in, std::basic_string<C> format) {
   for (unsigned char& b : record) b = in.ConsumeIntegral<unsigned char>();
   std::vector<Arg> args;
   for (Kind k : kinds) {
-    Arg a{k, in.ConsumeIntegral<int>(), in.ConsumeIntegral<long>(), 0.0, nullptr};
+    // Fields of up to a million characters are slow to fill: a * value is
+    // mostly 16-bit (digits reach the bound at any time).
+    const int i = k != kStar || in.ConsumeIntegral<uint8_t>() == 0xFF ? in.ConsumeIntegral<int>()
+                                                                      : in.ConsumeIntegral<int16_t>();
+    Arg a{k, i, in.ConsumeIntegral<long>(), 0.0, nullptr};
     const uint64_t bits = in.ConsumeIntegral<uint64_t>();
     std::memcpy(&a.d, &bits, sizeof(a.d));
     if (in.ConsumeBool()) a.p = k == kNarrow ? static_cast<const void*>(narrow.c_str())
