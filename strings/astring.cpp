@@ -52,7 +52,10 @@ Ka_AString Ka_AString::Right(int n) const { return Ops::Right(*this, n); }
 
 void Ka_AString::TrimLeft() { Ops::TrimLeft(*this); }
 void Ka_AString::TrimRight() { Ops::TrimRight(*this); }
-void Ka_AString::Trim() { Ops::Trim(*this); }
+void Ka_AString::Trim() {
+  Ops::TrimLeft(*this);
+  Ops::TrimRight(*this);
+}
 void Ka_AString::TrimLeft(char c) { Ops::TrimLeft(*this, c); }
 void Ka_AString::TrimRight(char c) { Ops::TrimRight(*this, c); }
 void Ka_AString::TrimLeft(const char* set) { Ops::TrimLeft(*this, set); }

@@ -262,37 +262,6 @@ struct Ka_StringOps {
 
   static void TrimRight(S& s) { TrimRightWhere(s, IsWhite); }
   static void TrimLeft(S& s) { TrimLeftWhere(s, IsWhite); }
-
-  // TrimLeft then TrimRight in one step: the same result and the same block
-  // size, but a shared text is copied once, only the part that stays.
-  static void Trim(S& s) {
-    const int length = s.GetLength();
-    if (length == 0) return;
-    Char* const text = s.m_pchData;
-    int skip = 0;
-    while (skip < length && IsWhite(text[skip])) ++skip;
-    // TrimRight looks only before the first zero of what TrimLeft leaves.
-    const int end = skip + Tr::Length(text + skip);
-    int cut = end;
-    while (cut > skip && IsWhite(text[cut - 1])) --cut;
-    if (skip == 0 && cut == end) return;
-    const int kept = cut < end ? cut - skip : length - skip;
-    if (s._IsPrivateWithRoom(length)) {
-      std::memmove(text, text + skip, Bytes(kept));
-      SetLength(s, kept);
-      return;
-    }
-    // Shared: a new block of the size GetSafeBuffer would make.
-    Data* const oldData = Data::FromData(text);
-    s.AllocBuffer(length);
-    if (s.m_pchData == nullptr) {  // refused: keep the old text
-      s.m_pchData = text;
-      return;
-    }
-    std::memcpy(s.m_pchData, text + skip, Bytes(kept));
-    SetLength(s, kept);
-    S::Release(oldData);
-  }
   static void TrimRight(S& s, Char c) {
     TrimRightWhere(s, [c](Char x) { return x == c; });  // x is never 0 here
   }

@@ -52,7 +52,10 @@ Ka_WString Ka_WString::Right(int n) const { return Ops::Right(*this, n); }
 
 void Ka_WString::TrimLeft() { Ops::TrimLeft(*this); }
 void Ka_WString::TrimRight() { Ops::TrimRight(*this); }
-void Ka_WString::Trim() { Ops::Trim(*this); }
+void Ka_WString::Trim() {
+  Ops::TrimLeft(*this);
+  Ops::TrimRight(*this);
+}
 void Ka_WString::TrimLeft(ka_wchar c) { Ops::TrimLeft(*this, c); }
 void Ka_WString::TrimRight(ka_wchar c) { Ops::TrimRight(*this, c); }
 void Ka_WString::TrimLeft(const ka_wchar* set) { Ops::TrimLeft(*this, set); }
