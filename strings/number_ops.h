@@ -8,6 +8,7 @@
 #include <kalbor/util.h>
 
 #include <cstdint>
+#include <cstring>
 
 #include "format/conversions.h"
 #include "format/number_traits.h"
@@ -22,6 +23,18 @@ int ParseLong(const char* s);
 // exponent; correctly rounded, +-infinity above the double range, +-0 below
 // it; 0.0 for null or no number.
 double ParseDouble(const ka_wchar* s);
+
+// "00" to "99", for writing decimal digits two at a time.
+struct Ka_DigitPairs {
+  char text[200];
+  constexpr Ka_DigitPairs() : text() {
+    for (int i = 0; i < 100; ++i) {
+      text[2 * i] = static_cast<char>('0' + i / 10);
+      text[2 * i + 1] = static_cast<char>('0' + i % 10);
+    }
+  }
+};
+inline constexpr Ka_DigitPairs kDigitPairs{};
 
 // The text of a number, in ASCII.
 struct Ka_NumberText {
@@ -44,13 +57,24 @@ struct Ka_NumberOps {
   typedef typename S::Traits::Char Char;
   typedef Ka_NumberTraits<Char> Nt;
 
-  // The decimal text of value, with the format engine's integer digits.
+  // The decimal text of value, two digits per division (the format engine's
+  // digits, with half the divisions in a row).
   static void IntegerText(int value, Ka_NumberText& out) {
-    const uint32_t bits = static_cast<uint32_t>(value);
-    char buffer[kMaxIntegerDigits];
-    char* const end = buffer + kMaxIntegerDigits;
-    const char* p = UnsignedDigits(Magnitude(bits), 10, false, end);
-    if (value < 0) out.Put('-');
+    uint32_t m = Magnitude(static_cast<uint32_t>(value));
+    char buffer[12];  // a sign and ten digits
+    char* const end = buffer + sizeof(buffer);
+    char* p = end;
+    for (; m >= 100; m /= 100) {
+      p -= 2;
+      std::memcpy(p, kDigitPairs.text + 2 * (m % 100), 2);
+    }
+    if (m >= 10) {
+      p -= 2;
+      std::memcpy(p, kDigitPairs.text + 2 * m, 2);
+    } else {
+      *--p = static_cast<char>('0' + m);
+    }
+    if (value < 0) *--p = '-';
     for (; p < end; ++p) out.Put(*p);
   }
 

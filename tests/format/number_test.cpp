@@ -16,6 +16,8 @@ TYPED_TEST_SUITE(Numbers, BothStrings);
 
 TYPED_TEST(Numbers, IntegersAndDoublesToText) {
   EXPECT_EQ(Bytes(TypeParam().Set(0)) + " " + Bytes(TypeParam::FromInteger(INT_MIN)), "0 -2147483648");
+  for (int v : {7, -9, 10, 99, -100, 101, 4321, -99999, INT_MAX})  // digits go in pairs: odd and even counts
+    EXPECT_EQ(Bytes(TypeParam::FromInteger(v)), std::to_string(v));
   TypeParam s;
   s = INT_MAX;
   EXPECT_EQ(s.GetAllocLength(), 32 / static_cast<int>(sizeof(CharOf<TypeParam>))) << "sized to the text";
