@@ -26,6 +26,14 @@ bool DayNumberOf(const char* s, int* out) {
   return true;
 }
 
+// The n = 0 result: s as it stands, cut to what KA_DATE_TEXT_SIZE bytes
+// hold, so that a longer text cannot overrun the destination.
+void CopyText(const char* s, char* dst) {
+  const size_t n = LengthUpTo(s, KA_DATE_TEXT_SIZE - 1);
+  std::memcpy(dst, s, n);
+  dst[n] = 0;
+}
+
 }  // namespace
 
 int ka_is_leapyearA(const char* s) {
@@ -69,7 +77,7 @@ int ka_add_daysA(const char* s, int n, char* dst) {
   if (s == nullptr || dst == nullptr) return 0;
   if (LengthUpTo(s, 8) < 8) return -1;
   if (n == 0) {
-    std::strcpy(dst, s);
+    CopyText(s, dst);
     return Field(s, 6, 2);
   }
   // The device's walk month by month, with whole 400-year cycles skipped
@@ -123,7 +131,7 @@ int ka_add_monthA(const char* s, int n, char* dst) {
   if (s == nullptr || dst == nullptr) return 0;
   if (LengthUpTo(s, 8) < 8) return -1;
   if (n == 0) {
-    std::strcpy(dst, s);
+    CopyText(s, dst);
     return Field(s, 4, 2);
   }
   int64_t y = Field(s, 0, 4);

@@ -70,14 +70,15 @@ KA_API int ka_calc_weekdayW(const ka_wchar* s);
 // of month, or 0 (deliberately, not the day written) when a step back lands
 // on the last day of a month. Null s or dst: 0; fewer than 8 characters: -1.
 // A digit string that is no valid date is walked as it stands (deliberate);
-// n = 0 copies s unchanged and returns its day field. Takes constant time
-// for any n.
+// n = 0 copies s unchanged (at most KA_DATE_TEXT_SIZE - 1 characters) and
+// returns its day field. Takes constant time for any n.
 KA_API int ka_add_daysA(const char* s, int n, char* dst);
 KA_API int ka_add_daysW(const ka_wchar* s, int n, ka_wchar* dst);
 
 // Writes the date n months later, its day clamped to the new month's length,
 // and returns the new month (1-12). Null s or dst: 0; fewer than 8
-// characters: -1; n = 0 copies s and returns its month field. Takes constant
+// characters: -1; n = 0 copies s as ka_add_daysA does and returns its month
+// field. Takes constant
 // time for any n.
 KA_API int ka_add_monthA(const char* s, int n, char* dst);
 KA_API int ka_add_monthW(const ka_wchar* s, int n, ka_wchar* dst);

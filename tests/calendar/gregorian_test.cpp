@@ -75,6 +75,7 @@ TEST(AddDays, DocumentedResults) {
       {"20241301", 1, "20250102", 2},      // month 13 is walked as it stands (deliberate)
       {"20240000", 1, "20240101", 1},      // and so is month 0
       {"2024021599", 0, "2024021599", 15},  // n = 0 copies the text as it is
+      {"20240215012345678901", 0, "202402150123456", 15},  // cut to what the destination holds
   };
   for (auto& c : cases) {
     char out[KA_DATE_TEXT_SIZE] = "";
@@ -121,6 +122,7 @@ TEST(AddMonths, ClampsTheDayAndHandlesFarOffsets) {
       {"20240100", 1, "20240229", 2},     // day 0 becomes the month's last day
       {"20249915", 1, "20320415", 4},     // month 99 counts on as months
       {"20240315", 0, "20240315", 3},     // n = 0 copies
+      {"20240315012345678901", 0, "202403150123456", 3},  // cut to what the destination holds
   };
   for (auto& c : cases) {
     char out[KA_DATE_TEXT_SIZE] = "";
