@@ -54,8 +54,8 @@ KA_API int ka_is_dateW(const ka_wchar* s);
 
 // The day number of a valid date (1 for 0001-01-01); -1 when ka_is_dateA
 // gives 0. In year 0000 the count's divisions truncate toward zero, so its
-// day numbers run one above a true count (0000-12-31 also gives 1), and
-// distances and steps that reach into it are off by one (deliberate).
+// day numbers run one above a true count (0000-12-31 also gives 1), and a
+// distance from a date in it to one after it is one short (deliberate).
 KA_API int ka_calc_basedaysA(const char* s);
 KA_API int ka_calc_basedaysW(const ka_wchar* s);
 
