@@ -35,15 +35,13 @@ V Make(const std::string& bytes) {
   return V(text.data(), static_cast<int>(text.size()));
 }
 template <>
-inline Ka_Buffer Make<Ka_Buffer>(const std::string& bytes) {
-  return MakeBuffer(bytes);
-}
+inline Ka_Buffer Make<Ka_Buffer>(const std::string& bytes) { return MakeBuffer(bytes); }
 
 // What a buffer or string holds over its length, one byte per element
 // (wide characters above 0xFF are read one by one where they occur).
 inline std::string Text(const Ka_Buffer& b) {
   const char* p = b;
-  return p != nullptr ? std::string(p, static_cast<size_t>(b.GetLength())) : std::string();
+  return std::string(p, p + b.GetLength());
 }
 template <class S>
 std::string Text(const S& s) {
@@ -86,19 +84,11 @@ void OnPrivateAndShared(const std::string& bytes, Edit edit) {
 // `text` in a heap array of exactly its size (no terminator unless it ends
 // with one): reading one element past it is a heap overflow.
 template <class C>
-class ExactText {
- public:
-  explicit ExactText(const std::basic_string<C>& text)
-      : m_size(static_cast<int>(text.size())), m_data(new C[text.empty() ? 1 : text.size()]) {
-    std::copy(text.begin(), text.end(), m_data.get());
-  }
-  const C* get() const { return m_data.get(); }
-  int size() const { return m_size; }
-
- private:
-  int m_size;
-  std::unique_ptr<C[]> m_data;
-};
+std::unique_ptr<C[]> Exact(const std::basic_string<C>& text) {
+  std::unique_ptr<C[]> p(new C[text.empty() ? 1 : text.size()]);
+  std::copy(text.begin(), text.end(), p.get());
+  return p;
+}
 
 // The locale code page set for one test, restored afterwards.
 class LocaleCodePage {

@@ -1,7 +1,8 @@
 // Quoting, XML and URL escaping of both string widths: the mappings, the
-// deliberate oddities, sharing of unchanged text, round trips, and decoding
-// of malformed and arbitrary text held in memory of exactly its size. The
-// rules in which the widths differ come last.
+// deliberate oddities, sharing of unchanged text, and decoding of malformed
+// and arbitrary text held in memory of exactly its size (round trips of
+// arbitrary text are the decode fuzz target's). The rules in which the
+// widths differ come last.
 #include <cstdio>
 #include <random>
 #include <string>
@@ -29,53 +30,40 @@ struct TextRow {
 template <class S>
 void ExpectDecodes(int member, const std::string& text, const std::string& expected, int n = -2) {
   SCOPED_TRACE("\"" + text + "\"");
-  const ExactText<CharOf<S>> exact(n == -1 ? Chars<S>(text) + CharOf<S>(0) : Chars<S>(text));
+  const auto chars = n == -1 ? Chars<S>(text) + CharOf<S>(0) : Chars<S>(text);
+  const auto exact = Exact(chars);
+  const int size = n == -2 ? static_cast<int>(chars.size()) : n;
   OnPrivateAndShared<S>("previous", [&](S& s) {
-    member == 0 ? s.DecodeXml(exact.get(), n == -2 ? exact.size() : n) : s.DecodeUrl(exact.get(), n == -2 ? exact.size() : n);
+    member == 0 ? s.DecodeXml(exact.get(), size) : s.DecodeUrl(exact.get(), size);
     EXPECT_EQ(Text(s), expected);
   });
   if (n != -2) return;
-  OnPrivateAndShared<S>("previous", [&](S& s) {
-    member == 0 ? s.DecodeXml(Make<S>(text)) : s.DecodeUrl(Make<S>(text));
-    EXPECT_EQ(Text(s), expected) << "from a string";
-  });
+  S s;
+  member == 0 ? s.DecodeXml(Make<S>(text)) : s.DecodeUrl(Make<S>(text));
+  EXPECT_EQ(Text(s), expected) << "from a string";
 }
 
 TYPED_TEST(Escape, QuotingEscapesTheQuoteAndBackslashOnlyAndUnquotingDropsEscapesAndTheClosingQuote) {
   typedef TypeParam S;
-  typedef CharOf<S> C;
-  struct Row {
-    std::string text;
-    char quote;
-    std::string quoted;
-  } rows[] = {
-      {"", '"', ""},                               // empty: no quotes (deliberate)
-      {"a\"b\\c", '"', "\"a\\\"b\\\\c\""},         // a backslash before each quote and backslash
-      {"it's", '\'', "'it\\'s'"},                  //
-      {"say \"x\"", '\'', "'say \"x\"'"},          // the other quote is not escaped
-      {"it's", 'x', "\"it's\""},                   // any other argument: the double quote
+  struct { std::string text; char quote; std::string quoted; } rows[] = {
+      {"", '"', ""},                                              // empty: no quotes (deliberate)
+      {"a\"b\\c", '"', "\"a\\\"b\\\\c\""},                        // a backslash before each quote and backslash
+      {"it's \"x\"", '\'', "'it\\'s \"x\"'"},                     // the other quote is not escaped
+      {"it's", 'x', "\"it's\""},                                  // any other argument: the double quote
       {std::string("a\0b", 3), '"', std::string("\"a\0b\"", 5)},  // zeros are text
   };
-  for (const Row& r : rows) {
-    const S s = Make<S>(r.text);
-    EXPECT_EQ(Text(s.QuoteStr(C(r.quote))), r.quoted) << r.text;
-  }
-  const S empty;
-  EXPECT_EQ(empty.QuoteStr(C('"')).GetData(), nullptr);
+  for (const auto& r : rows) EXPECT_EQ(Text(Make<S>(r.text).QuoteStr(CharOf<S>(r.quote))), r.quoted) << r.text;
   const TextRow unquotings[] = {
-      {"", ""},                                  // empty
-      {"abc", "abc"},                            // no opening quote: unchanged
-      {"\"", ""},                                // a quote alone
-      {"\"abc\"", "abc"},                        //
-      {"'it\\'s'", "it's"},                      // an escaped inner quote
-      {"\"abc", "abc"},                          // no closing quote: the last character stays
-      {"'abc\"", "abc\""},                       // a different closing quote is text
-      {"\"a\"b\"", "a\"b"},                      // an unescaped inner quote is text
-      {"\"a\\\\b\"", "a\\b"},                    // an escaped backslash
-      {"\"a\\n\"", "an"},                        // any escaped character is itself
-      {"\"ab\\\"", "ab\""},                      // an escaped last quote is kept
-      {"\"ab\\", "ab"},                          // a final backslash goes
-      {std::string("\"a\0b\"", 5), "a"},         // the length ends at the first zero
+      {"", ""},                           // empty
+      {"abc", "abc"},                     // no opening quote: unchanged
+      {"\"", ""},                         // a quote alone
+      {"'a\\'b\\\\c\\n'", "a'b\\cn"},     // any escaped character is itself
+      {"\"abc", "abc"},                   // no closing quote: the last character stays
+      {"'abc\"", "abc\""},                // a different closing quote is text
+      {"\"a\"b\"", "a\"b"},               // an unescaped inner quote is text
+      {"\"ab\\\"", "ab\""},               // an escaped last quote is kept
+      {"\"ab\\", "ab"},                   // a final backslash goes
+      {std::string("\"a\0b\"", 5), "a"},  // the length ends at the first zero
   };
   for (const TextRow& r : unquotings) EXPECT_EQ(Text(Make<S>(r.text).UnQuoteStr()), r.result) << r.text;
   const S plain = Make<S>("abc");
@@ -85,41 +73,31 @@ TYPED_TEST(Escape, QuotingEscapesTheQuoteAndBackslashOnlyAndUnquotingDropsEscape
 TYPED_TEST(Escape, XmlEncodingEscapesMarkupBlanksAndLineEndsAndDecodingReadsEntities) {
   typedef TypeParam S;
   const TextRow rows[] = {
-      {"", ""},                                                       //
-      {"a b", "a&#32;b"},                                             // blanks too (deliberate)
-      {"<&>", "&lt;&amp;&gt;"},                                       //
-      {"\"'", "&quot;&apos;"},                                        //
-      {"\t\n\r", "&#9;&#10;&#13;"},                                   // line ends and tabs too (deliberate)
-      {std::string("x\0\x7F", 3), std::string("x\0\x7F", 3)},        // other characters are copied
+      {"", ""},                                                 //
+      {"<&>\"'", "&lt;&amp;&gt;&quot;&apos;"},                  //
+      {" \t\n\r", "&#32;&#9;&#10;&#13;"},                       // blanks, tabs and line ends too (deliberate)
+      {std::string("x\0\x7F", 3), std::string("x\0\x7F", 3)},  // other characters are copied
   };
   for (const TextRow& r : rows) EXPECT_EQ(Text(Make<S>(r.text).EncodeXml()), r.result) << r.text;
   const S plain = Make<S>("plain.text");
   EXPECT_EQ(plain.EncodeXml().GetData(), plain.GetData()) << "nothing to escape: shared";
   EXPECT_EQ(plain.DecodeXml().GetData(), plain.GetData()) << "nothing to decode: shared";
   const TextRow decodings[] = {
-      {"", ""},                                         // empty text
-      {"plain", "plain"},                               // no "&": copied
-      {"&lt;&gt;&amp;&quot;&apos;", "<>&\"'"},           // the five names
-      {"&LT;&Amp;", "&LT;&Amp;"},                       // case sensitive: unknown entities are text
-      {"&amp;lt;", "&lt;"},                             // decoded once
-      {"&", "&"},                                       // "&" at the end
-      {"a&l", "a&l"},                                   // a name cut short by the end
-      {"&#", "&#"},                                     // a lone "&#"
-      {"&#65", "&#65"},                                 // no ";" after it: text
-      {"&#65;", "A"},                                   //
-      {"&#X4a;", "J"},                                  //
-      {"&#x30;", "\x03"},                               // "0" ends the number (deliberate)
-      {"&#x19;", "\x01"},                               // "9" ends it too (deliberate)
-      {"&#65 and;b", "Ab"},                             // the first ";" anywhere after it ends the entity
-      {"&# 66;", "B"},                                  // leading blanks, as atoi reads
-      {"&#+67;", "C"},                                  // a sign
-      {"&#6x6;", "\x06"},                               // digits up to the first other character
-      {"&#65601;", "A"},                                // the low 16 bits: 65601 = 0x10041
-      {"&#4294967361;", "A"},                           // huge: still the low 16 bits (2^32 + 65)
-      {"x&#;y", "x"},                                   // no digits: 0, which ends the text
-      {"a&#0;b", "a"},                                  // a decoded zero ends the text
-      {"&#&#65;", ""},                                  // one entity up to the ";": no number, 0
-      {std::string("a\0&lt;", 6), "a"},                 // a zero in the text ends the result
+      {"", ""},                                // empty text
+      {"&lt;&gt;&amp;&quot;&apos;", "<>&\"'"},  // the five names
+      {"&LT;&Amp;", "&LT;&Amp;"},              // case sensitive: unknown entities are text
+      {"&amp;lt;", "&lt;"},                    // decoded once
+      {"&", "&"},                              // "&" at the end
+      {"&#", "&#"},                            // a lone "&#"
+      {"&#65", "&#65"},                        // no ";" after it: text
+      {"&#65;&#X4a;", "AJ"},                   // decimal and hex
+      {"&#x30;", "\x03"},                      // "0" ends the number (deliberate)
+      {"&#x19;", "\x01"},                      // "9" ends it too (deliberate)
+      {"&#65 and;b", "Ab"},                    // digits up to another character; the first ";" ends the entity
+      {"&# +66;", "B"},                        // leading blanks and a sign, as atoi reads
+      {"&#4294967361;", "A"},                  // the low 16 bits, however large (2^32 + 65)
+      {"x&#;y", "x"},                          // no digits: 0, which ends the text
+      {std::string("a\0&lt;", 6), "a"},        // a zero in the text ends the result
   };
   for (const TextRow& r : decodings) ExpectDecodes<S>(0, r.text, r.result);
   ExpectDecodes<S>(0, "&lt;xx", "&lt", 3);  // n bounds the text: the name is cut short
@@ -135,12 +113,11 @@ TYPED_TEST(Escape, XmlEncodingEscapesMarkupBlanksAndLineEndsAndDecodingReadsEnti
 TYPED_TEST(Escape, UrlEncodingKeepsItsSetAndDecodingTurnsEveryPairIntoAByte) {
   typedef TypeParam S;
   EXPECT_EQ(S().EncodeUrl().GetData(), nullptr);
-  EXPECT_EQ(Text(Make<S>("a b-c~").EncodeUrl()), "a%20b%2Dc%7E") << "\"-\" and \"~\" are escaped (deliberate)";
   const S plain = Make<S>("kept.as(is)");
   EXPECT_EQ(plain.EncodeUrl().GetData(), plain.GetData()) << "nothing to escape: shared";
   EXPECT_EQ(plain.DecodeUrl().GetData(), plain.GetData()) << "nothing to decode: shared";
-  // Every ASCII character alone: kept, or "%" and its code ("<" and ">" lie
-  // just past the kept run "0" to ";").
+  // Every ASCII character alone: kept, or "%" and its code ("-" and "~" too,
+  // deliberately; "<" and ">" lie just past the kept run "0" to ";").
   const std::string kept = "0123456789:;ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz$_.!*'()";
   for (int c = 1; c < 128; ++c) {
     char escaped[4];
@@ -149,16 +126,14 @@ TYPED_TEST(Escape, UrlEncodingKeepsItsSetAndDecodingTurnsEveryPairIntoAByte) {
     EXPECT_EQ(Text(Make<S>(one).EncodeUrl()), kept.find(one) != std::string::npos ? one : escaped) << c;
   }
   const TextRow decodings[] = {
-      {"", ""},                          //
-      {"a+b%41", "a+bA"},                // "+" stays (deliberate)
-      {"%2d%2D", "--"},                  // either case
-      {"%zz", "S"},                      // no pair is rejected: 35 x 16 + 35 = 0x253
-      {"%H1", "\x11"},                   // 17 x 16 + 1, truncated to 8 bits
-      {"%%41", "T1"},                    // "%" as a digit: -11 x 16 + 4 = -172, 0x54
-      {"%00x", ""},                      // "%00" ends the text
-      {"100%", "100%"},                  // "%" at the end is text
-      {"%4", "%4"},                      // and with one character after it
-      {"a%4", "a%4"},                    //
+      {"", ""},                // empty text
+      {"a+b%41", "a+bA"},      // "+" stays (deliberate)
+      {"%2d%2D", "--"},        // either case
+      {"%zz", "S"},            // no pair is rejected: 35 x 16 + 35 = 0x253
+      {"%H1", "\x11"},         // 17 x 16 + 1, truncated to 8 bits
+      {"%00x", ""},            // "%00" ends the text
+      {"100%", "100%"},        // "%" at the end is text
+      {"%4", "%4"},            // and with one character after it
   };
   for (const TextRow& r : decodings) ExpectDecodes<S>(1, r.text, r.result);
   ExpectDecodes<S>(1, "%41", "%4", 2);  // n bounds the pair
@@ -168,32 +143,20 @@ TYPED_TEST(Escape, UrlEncodingKeepsItsSetAndDecodingTurnsEveryPairIntoAByte) {
   });
 }
 
-TYPED_TEST(Escape, RandomTextsComeBackFromEachEncodingAndDecodeWithinTheirBounds) {
+TYPED_TEST(Escape, MalformedTextsDecodeWithinTheirBounds) {
   typedef TypeParam S;
-  std::mt19937 random(3);
-  for (int round = 0; round < 500; ++round) {
-    std::string text;
-    const size_t length = random() % 40;
-    for (size_t i = 0; i < length; ++i) text.push_back(static_cast<char>(1 + random() % 127));  // ASCII, no zero
-    const S s = Make<S>(text);
-    ASSERT_EQ(Text(s.EncodeXml().DecodeXml()), text);
-    ASSERT_EQ(Text(s.EncodeUrl().DecodeUrl()), text);
-    ASSERT_EQ(Text(s.QuoteStr('"').UnQuoteStr()), text);
-    ASSERT_EQ(Text(s.QuoteStr('\'').UnQuoteStr()), text);
-  }
-  // Malformed text decodes within its bounds.
-  random.seed(9);
+  std::mt19937 random(9);
   const std::string pool = "&#x;%0123456789aAfFgG`lt;amp;quot; \t";
   for (int round = 0; round < 3000; ++round) {
     const size_t length = random() % 16;
     std::string text;
     for (size_t i = 0; i < length; ++i) text.push_back(round % 3 == 0 ? static_cast<char>(random()) : pool[random() % pool.size()]);
-    const ExactText<CharOf<S>> exact(Chars<S>(text));
+    const auto exact = Exact(Chars<S>(text));
     S xml, url;
-    xml.DecodeXml(exact.get(), exact.size());
-    url.DecodeUrl(exact.get(), exact.size());
-    ASSERT_LE(xml.GetLength(), exact.size()) << text;
-    ASSERT_LE(url.GetLength(), exact.size()) << text;
+    xml.DecodeXml(exact.get(), static_cast<int>(length));
+    url.DecodeUrl(exact.get(), static_cast<int>(length));
+    ASSERT_LE(xml.GetLength(), static_cast<int>(length)) << text;
+    ASSERT_LE(url.GetLength(), static_cast<int>(length)) << text;
   }
 }
 
@@ -207,7 +170,6 @@ class EscapeWidths : public ::testing::Test {
 TEST_F(EscapeWidths, NumericEntitiesAreNarrowTextInTheLocaleCodePageOrOneWideCharacter) {
   EXPECT_EQ(Text(Ka_AString("&#233;&#44032;").DecodeXml()), "\xC3\xA9\xEA\xB0\x80");
   EXPECT_EQ(Text(Ka_AString("&#x`;").DecodeXml()), "\t") << "the backquote is 9 (deliberate)";
-  EXPECT_EQ(Text(Ka_AString("&#x4`;").DecodeXml()), "I");
   EXPECT_EQ(Text(Ka_AString("&#-191;").DecodeXml()), "\xEF\xBD\x81") << "-191 is U+FF41";
   EXPECT_EQ(Ka_WString(KA_W("&#233;&#44032;&#-191;&#xACef;")).DecodeXml().Compare(KA_W("\u00E9\uAC00\uFF41\uACEF")), 0);
   EXPECT_EQ(Ka_WString(KA_W("&#x`;")).DecodeXml().GetLength(), 0) << "no backquote digit: 0 ends the text";
