@@ -12,20 +12,21 @@ namespace {
 Ka_BufferData* Header(void* p) { return Ka_BufferData::FromData(p); }
 }  // namespace
 
-TEST(SizeClass, GroupOfEverySize) {
+TEST(SizeClass, GroupsArePowersOfTwoFrom32To8192ThenMultiplesOf8192) {
   struct { int size; unsigned int group; } cases[] = {
       {0, 0},                  // empty asks for nothing
-      {-5, 32},                // negative sizes take the smallest group
-      {INT_MIN, 32},           // even the most negative
-      {1, 32},       {32, 32},     {33, 64},     {64, 64},     {65, 128},
-      {128, 128},    {129, 256},   {256, 256},   {257, 512},   {512, 512},
-      {513, 1024},   {1024, 1024}, {1025, 2048}, {2048, 2048}, {2049, 4096},
-      {4096, 4096},  {4097, 8192}, {8192, 8192},  // the largest pool
+      {INT_MIN, 32},           // negative sizes take the smallest group
+      {1, 32},       {32, 32},     {33, 64},
+      {4097, 8192},  {8192, 8192},  // the largest pool
       {8193, 16384},           // heap blocks: multiples of 8192
-      {16384, 16384}, {16385, 24576},
+      {16385, 24576},
       {INT_MAX, 2147483648u},  // rounding up does not overflow
   };
   for (auto& c : cases) EXPECT_EQ(Ka_BufferPool::GetBufferGroup(c.size), c.group) << c.size;
+  for (int size = 33, group = 64; size <= 8192; ++size) {  // between the rows: the next power of two
+    if (size > group) group *= 2;
+    ASSERT_EQ(Ka_BufferPool::GetBufferGroup(size), unsigned(group)) << size;
+  }
 }
 
 TEST(SizeClass, PoolsHaveTheDocumentedShape) {
@@ -48,12 +49,10 @@ TEST(SizeClass, PoolsHaveTheDocumentedShape) {
                            : 24 + pools[i].perBlock * ((16 + pools[i].unit + 4 + 7) / 8 * 8);
     EXPECT_EQ(pool.GetBlockBytes(), expected) << pools[i].unit;
   }
-  EXPECT_EQ(sizeof(Ka_BufferData), sizeof(void*) == 4 ? 12u : 16u);
-  EXPECT_EQ(sizeof(Ka_BufferPool::Ka_Plexus), sizeof(void*) == 4 ? 12u : 24u);
 }
 
 TEST(KaMalloc, EverySizeGetsABlockOfItsGroupThroughBothEntryPoints) {
-  for (int size : {0, -3, 1, 31, 32, 33, 100, 4097, 8192, 8193, 20000}) {  // 0 and negative: a 32-byte unit
+  for (int size : {0, -3, 1, 33, 8192, 8193}) {  // 0 and negative: a 32-byte unit
     Ka_BufferData* d = Ka_BufferPool::AllocBuffer(size);
     void* p = _ka_malloc(size);
     ASSERT_NE(d, nullptr) << size;
@@ -78,7 +77,7 @@ TEST(KaMalloc, FreesLeaveThePoolsAsTheyFoundThemAndKeepTheRulesForSharedBlocks) 
   void* warm = _ka_malloc(8);  // keeps the head block for the counts below
   const int blocks = pool32.GetBlockCount();
   const int used = pool32.GetHeadBlock()->used;
-  for (int i = 0; i < 1000000; ++i) ka_free(_ka_malloc(1 + i % 32));
+  for (int i = 0; i < 100000; ++i) ka_free(_ka_malloc(1 + i % 32));
   EXPECT_EQ(pool32.GetBlockCount(), blocks);
   EXPECT_EQ(pool32.GetHeadBlock()->used, used);
   void* shared = _ka_malloc(8);
@@ -92,24 +91,18 @@ TEST(KaMalloc, FreesLeaveThePoolsAsTheyFoundThemAndKeepTheRulesForSharedBlocks) 
   EXPECT_TRUE(pool32.Validate());
 }
 
-TEST(KaRealloc, GrowsKeepsBytesAndNeverShrinks) {
+TEST(KaRealloc, GrowsKeepsTheWholeCapacityAndNeverShrinks) {
   EXPECT_EQ(_ka_realloc(nullptr, 0), nullptr);
-  EXPECT_EQ(_ka_realloc(nullptr, -1), nullptr);
   char* p = static_cast<char*>(_ka_realloc(nullptr, 10));  // null allocates
   ASSERT_NE(p, nullptr);
   std::memset(p, 'x', 32);  // the whole capacity
   EXPECT_EQ(_ka_realloc(p, 32), p);  // fits: unchanged
   EXPECT_EQ(_ka_realloc(p, 1), p);   // never shrinks
   EXPECT_EQ(Header(p)->nDataLength, 10);  // and the length word is left alone
-  char* q = static_cast<char*>(_ka_realloc(p, 33));
-  ASSERT_NE(q, nullptr);
-  EXPECT_NE(q, p);
-  EXPECT_EQ(Header(q)->nAllocLength, 64u);
-  for (int i = 0; i < 32; ++i) EXPECT_EQ(q[i], 'x') << i;  // the old capacity came along
-  char* big = static_cast<char*>(_ka_realloc(q, 100000));  // into a heap block
+  char* big = static_cast<char*>(_ka_realloc(p, 100000));  // into a heap block
   ASSERT_NE(big, nullptr);
-  EXPECT_EQ(big[31], 'x');
-  EXPECT_EQ(_ka_realloc(big, 0), nullptr);  // size 0 frees
+  EXPECT_EQ(std::string(big, 32), std::string(32, 'x')) << "the old capacity came along";
+  EXPECT_EQ(_ka_realloc(big, -1), nullptr);  // size below 1 frees
 }
 
 TEST(KaMemccpy, StopsBeforeTheStopByteComparedAsSignedChar) {
@@ -117,7 +110,6 @@ TEST(KaMemccpy, StopsBeforeTheStopByteComparedAsSignedChar) {
   struct { int stop; int count; int copied; } cases[] = {
       {'z', 0, 0},     // count 0 copies nothing
       {0, 7, 2},       // up to the first zero byte
-      {'a', 7, 0},     // stop at the first byte: nothing written
       {200, 7, 7},     // 200 never matches a sign-extended byte (deliberate)
       {-56, 7, 4},     // ... while -56 does
       {'z', 5, 5},     // no stop byte: the count ends it
@@ -139,11 +131,10 @@ TEST(KaMemccpy, StopsBeforeTheStopByteComparedAsSignedChar) {
 TEST(KaMemnullcmp, ZeroForZeroBytesElseTheFirstOther) {
   const unsigned char bytes[] = {0, 0, 0, 0, 0, 0, 0, 0, 7, 0xFF};
   struct { const void* p; int count; int result; } cases[] = {
-      {nullptr, 4, 0},  // null
-      {bytes, 0, 0},    // nothing to compare
-      {bytes, -3, 0},   // negative count
-      {bytes, 8, 0},    // all zero
-      {bytes, 9, 7},    // the first non-zero byte
+      {nullptr, 4, 0},      // null
+      {bytes, 0, 0},        // nothing to compare
+      {bytes, 8, 0},        // all zero
+      {bytes, 9, 7},        // the first non-zero byte
       {bytes + 9, 1, 255},  // read unsigned
   };
   for (auto& c : cases) EXPECT_EQ(ka_memnullcmp(c.p, c.count), c.result) << c.count;
