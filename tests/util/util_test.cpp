@@ -5,7 +5,6 @@
 #include <kalbor/kalbor.h>
 
 #include <atomic>
-#include <cfloat>
 #include <chrono>
 #include <climits>
 #include <cmath>
@@ -32,24 +31,15 @@ void Capture(const ka_wchar* text) { g_messages.emplace_back(text, text + std::c
 void Other(const ka_wchar*) {}
 }  // namespace
 
-TEST(Crc32, CheckValuesAndArgumentRules) {
-  struct Row {
-    unsigned int crc;
-    const char* text;
-    int len;
-    unsigned int expected;
-  } rows[] = {
-      {0x1234, "abc", 0, 0x1234},                 // nothing: crc unchanged
-      {0x1234, "abc", -5, 0x1234},                // a negative length likewise
-      {5, nullptr, 10, 0},                        // a null buffer: 0
-      {0, "123456789", 9, 0xCBF43926},            // the standard check value
-      {0, "The quick brown fox jumps over the lazy dog", 43, 0x414FA339},
+TEST(Crc32, EqualsTheBitwiseReferenceAtEveryLengthOffsetAndStartingValue) {
+  struct { unsigned int crc; const char* text; int len; unsigned int expected; } rows[] = {
+      {0x1234, "abc", 0, 0x1234},       // nothing: crc unchanged
+      {0x1234, "abc", -5, 0x1234},      // a negative length likewise
+      {5, nullptr, 10, 0},              // a null buffer: 0
+      {0, "123456789", 9, 0xCBF43926},  // the standard check value
   };
-  for (const Row& r : rows)
-    EXPECT_EQ(ka_crc32(r.crc, reinterpret_cast<const unsigned char*>(r.text), r.len), r.expected) << r.text;
-}
-
-TEST(Crc32, EqualsTheBitwiseReferenceAtEveryLengthOffsetAndCut) {
+  for (const auto& r : rows)
+    EXPECT_EQ(ka_crc32(r.crc, reinterpret_cast<const unsigned char*>(r.text), r.len), r.expected) << r.len;
   std::mt19937 random(7);
   std::vector<unsigned char> data(4096 + 64);
   for (auto& b : data) b = static_cast<unsigned char>(random());
@@ -57,24 +47,19 @@ TEST(Crc32, EqualsTheBitwiseReferenceAtEveryLengthOffsetAndCut) {
     for (size_t n = 0; n <= 400; ++n)
       ASSERT_EQ(ka_crc32(0, data.data() + offset, static_cast<int>(n)), BitwiseCrc(0, data.data() + offset, n))
           << offset << " " << n;
-  // Long buffers, continuing a previous result, across the folding seams.
+  // Long buffers across the folding seams, continuing a previous result.
   for (size_t n : {1023u, 1024u, 1025u, 4096u, 4111u})
     EXPECT_EQ(ka_crc32(0x12345678, data.data() + 3, static_cast<int>(n)), BitwiseCrc(0x12345678, data.data() + 3, n))
         << n;
-  const unsigned int whole = ka_crc32(0, data.data(), 1000);
-  for (int cut = 0; cut <= 1000; cut += 37)
-    EXPECT_EQ(ka_crc32(ka_crc32(0, data.data(), cut), data.data() + cut, 1000 - cut), whole) << cut;
 }
 
 TEST(Doubles, BytesExponentAndInfinityReadTheBinary64Pattern) {
   const double inf = std::numeric_limits<double>::infinity(), nan = std::numeric_limits<double>::quiet_NaN();
   struct { double value; unsigned char bytes[8]; int exponent, isinf; } rows[] = {
-      {0.0, {0, 0, 0, 0, 0, 0, 0, 0}, -1023, 0},                            // zero's field is 0
-      {-0.0, {0x80, 0, 0, 0, 0, 0, 0, 0}, -1023, 0},                        // the sign survives
+      {-0.0, {0x80, 0, 0, 0, 0, 0, 0, 0}, -1023, 0},                        // zero's field is 0; the sign survives
       {-2.0, {0xC0, 0, 0, 0, 0, 0, 0, 0}, 1, 0},                            // the exponent ignores it
       {0.1, {0x3F, 0xB9, 0x99, 0x99, 0x99, 0x99, 0x99, 0x9A}, -4, 0},       // the low word matters
       {4.9406564584124654e-324, {0, 0, 0, 0, 0, 0, 0, 1}, -1023, 0},        // the smallest subnormal
-      {DBL_MAX, {0x7F, 0xEF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}, 1023, 0}, //
       {inf, {0x7F, 0xF0, 0, 0, 0, 0, 0, 0}, 1024, 1},                       //
       {-inf, {0xFF, 0xF0, 0, 0, 0, 0, 0, 0}, 1024, -1},                     //
   };
@@ -101,11 +86,8 @@ TEST(Doubles, BytesExponentAndInfinityReadTheBinary64Pattern) {
 TEST(Random, EveryCallStartsAPrivateGeneratorAtSeedZero) {
   // The first number of the generator seeded with 0 is 38 (deliberate: the
   // same arguments always give the same result).
-  struct Row {
-    int lo, hi, expected;
-  } rows[] = {
+  struct { int lo, hi, expected; } rows[] = {
       {1, 6, 3},                               // 1 + 38 % 6
-      {0, 37, 0},                              // 38 % 38
       {10, 10, 10},                            // a one-number range
       {INT_MIN, INT_MAX, INT_MIN},             // hi - lo + 1 wraps to 0: lo
       {5, 4, 5},                               // hi = lo - 1 likewise
@@ -115,7 +97,7 @@ TEST(Random, EveryCallStartsAPrivateGeneratorAtSeedZero) {
   std::srand(12345);
   const int first = std::rand();
   std::srand(12345);
-  for (const Row& r : rows) {
+  for (const auto& r : rows) {
     EXPECT_EQ(ka_random(r.lo, r.hi), r.expected) << r.lo << ".." << r.hi;
     EXPECT_EQ(ka_random(r.lo, r.hi), r.expected) << "again";
   }
