@@ -1,13 +1,15 @@
 // Helpers of the code-page tests: texts as strings of bytes and of 16-bit
-// units, converted through the library's own converters, with the result
-// and the sentinel past it checked in one place.
+// units, converted through the library's own converters, with the measured
+// length and the sentinel past the result checked in one place.
 #ifndef KALBOR_TESTS_CODEPAGE_CONVERSIONS_H
 #define KALBOR_TESTS_CODEPAGE_CONVERSIONS_H
 
 #include <gtest/gtest.h>
 #include <kalbor/kalbor.h>
 
+#include <cstdio>
 #include <string>
+#include <type_traits>
 
 #include "codepage/converters.h"
 
@@ -26,33 +28,21 @@ inline WText W(std::initializer_list<unsigned> units) {
   return w;
 }
 
-// A conversion's units or bytes and its return value.
-struct WideResult {
-  int result;
-  WText text;
-};
-struct NarrowResult {
-  int result;
-  std::string text;
-};
-
-// The library's converter on the whole of src, with room for exactly what
-// it needs plus a sentinel that must survive.
-inline WideResult ToWide(unsigned cp, const std::string& src) {
-  const int need = ka_codepage::ToWide(cp, src.data(), static_cast<int>(src.size()), nullptr, 0);
-  WText buf(static_cast<size_t>(need) + 1, static_cast<ka_wchar>(0xBEEF));
-  const int n = ka_codepage::ToWide(cp, src.data(), static_cast<int>(src.size()), &buf[0], need);
-  EXPECT_EQ(buf[static_cast<size_t>(need)], static_cast<ka_wchar>(0xBEEF)) << "wrote past dstSize, page " << cp;
-  EXPECT_EQ(n, need) << "measured and written lengths differ, page " << cp;
-  return {n, buf.substr(0, n > 0 ? static_cast<size_t>(n) : 0)};
+// A converter on the whole of src, into room for exactly what it measured
+// plus a sentinel that must survive.
+template <class Out, class In>
+Out Converted(int (*convert)(unsigned, const typename In::value_type*, int, typename Out::value_type*, int),
+              unsigned cp, const In& src) {
+  const int length = static_cast<int>(src.size()), need = convert(cp, src.data(), length, nullptr, 0);
+  Out buf(static_cast<size_t>(need) + 1, typename Out::value_type(0x5A));
+  EXPECT_EQ(convert(cp, src.data(), length, &buf[0], need), need) << "measured and written lengths differ, page " << cp;
+  EXPECT_EQ(buf[static_cast<size_t>(need)], typename Out::value_type(0x5A)) << "wrote past dstSize, page " << cp;
+  buf.resize(static_cast<size_t>(need));
+  return buf;
 }
-inline NarrowResult ToNarrow(unsigned cp, const WText& src) {
-  const int need = ka_codepage::ToNarrow(cp, src.data(), static_cast<int>(src.size()), nullptr, 0);
-  std::string buf(static_cast<size_t>(need) + 1, '\x5A');
-  const int n = ka_codepage::ToNarrow(cp, src.data(), static_cast<int>(src.size()), &buf[0], need);
-  EXPECT_EQ(buf[static_cast<size_t>(need)], '\x5A') << "wrote past dstSize, page " << cp;
-  EXPECT_EQ(n, need) << "measured and written lengths differ, page " << cp;
-  return {n, buf.substr(0, n > 0 ? static_cast<size_t>(n) : 0)};
+inline WText ToWide(unsigned cp, const std::string& src) { return Converted<WText>(ka_codepage::ToWide, cp, src); }
+inline std::string ToNarrow(unsigned cp, const WText& src) {
+  return Converted<std::string>(ka_codepage::ToNarrow, cp, src);
 }
 
 // Every code page the library converts.
@@ -61,21 +51,14 @@ const unsigned kLibraryPages[] = {874,   1250,  1251,  1252,  1253,  1254,  1255
                                   28596, 28597, 28598, 38598, 20866, 21866, 932,   936,   949,   950,
                                   51932, 50220, 50225, 52936, 65001};
 
-// Units as hexadecimal, for failure messages.
-inline std::string Hex(const WText& w) {
+// Bytes or units as hexadecimal, for failure messages.
+template <class Text>
+std::string Hex(const Text& text) {
   std::string s;
   char buf[8];
-  for (ka_wchar c : w) {
-    std::snprintf(buf, sizeof(buf), "%04x ", static_cast<unsigned>(static_cast<uint16_t>(c)));
-    s += buf;
-  }
-  return s;
-}
-inline std::string Hex(const std::string& b) {
-  std::string s;
-  char buf[8];
-  for (char c : b) {
-    std::snprintf(buf, sizeof(buf), "%02x ", static_cast<unsigned>(static_cast<unsigned char>(c)));
+  for (auto c : text) {
+    const unsigned u = static_cast<std::make_unsigned_t<decltype(c)>>(c);
+    std::snprintf(buf, sizeof(buf), sizeof(c) == 1 ? "%02x " : "%04x ", u);
     s += buf;
   }
   return s;

@@ -7,7 +7,6 @@
 // reason; any other difference fails.
 #include <cstdint>
 #include <map>
-#include <utility>
 
 #include "tests/codepage/conversions.h"
 
@@ -59,11 +58,11 @@ void ComparePlane(const char* what, unsigned cp, const char16_t* const plane[94]
       const unsigned code = (j1 << 8) | j2, python = row[j2 - 0x21];
       if (python == 0xFFFF) continue;
       ++compared;
-      const WText ours = ToWide(cp, wrap(j1, j2)).text;
+      const WText ours = ToWide(cp, wrap(j1, j2));
       if (ours != W({python})) decoded[code] = ours.size() == 1 ? static_cast<uint16_t>(ours[0]) : 0xFFFFFFFFu;
       bool decodeOnly = false;
       for (const uint16_t* p = oneWay; *p != 0; ++p) decodeOnly |= *p == code;
-      const std::string bytes = ToNarrow(cp, W({python})).text;
+      const std::string bytes = ToNarrow(cp, W({python}));
       if (!decodeOnly && bytes != wrap(j1, j2)) encoded[code] = bytes;
     }
   }
@@ -82,22 +81,21 @@ TEST(CrossCheck, EveryCellOfEachPlaneAsInPythonApartFromWindowsRepertoire) {
   ComparePlane("HZ-GB-2312", 52936, kPythonGb2312, kPythonGb2312OneWay, Hz, kGb2312ByWindows);
 }
 
-TEST(CrossCheck, MixedTextsEncodeToPythonsBytesAndBack) {
-  const std::pair<unsigned, std::pair<const CrossSample*, size_t>> pages[] = {
-      {50220, {kIso2022JpSamples, sizeof(kIso2022JpSamples) / sizeof(CrossSample)}},
-      {50225, {kIso2022KrSamples, sizeof(kIso2022KrSamples) / sizeof(CrossSample)}},
-      {52936, {kHzSamples, sizeof(kHzSamples) / sizeof(CrossSample)}},
-      {51932, {kEucJpSamples, sizeof(kEucJpSamples) / sizeof(CrossSample)}},
-  };
-  for (const auto& page : pages) {
-    for (size_t i = 0; i < page.second.second; ++i) {
-      const CrossSample& s = page.second.first[i];
-      const WText text = W(s.text);
-      const std::string bytes(s.bytes, static_cast<size_t>(s.length));
-      EXPECT_EQ(Hex(ToNarrow(page.first, text).text), Hex(bytes)) << page.first << " sample " << i;
-      EXPECT_EQ(Hex(ToWide(page.first, bytes).text), Hex(text)) << page.first << " sample " << i;
-    }
+template <size_t N>
+void CompareSamples(unsigned cp, const CrossSample (&samples)[N]) {
+  for (size_t i = 0; i < N; ++i) {
+    const WText text = W(samples[i].text);
+    const std::string bytes(samples[i].bytes, static_cast<size_t>(samples[i].length));
+    EXPECT_EQ(Hex(ToNarrow(cp, text)), Hex(bytes)) << cp << " sample " << i;
+    EXPECT_EQ(Hex(ToWide(cp, bytes)), Hex(text)) << cp << " sample " << i;
   }
+}
+
+TEST(CrossCheck, MixedTextsEncodeToPythonsBytesAndBack) {
+  CompareSamples(50220, kIso2022JpSamples);
+  CompareSamples(50225, kIso2022KrSamples);
+  CompareSamples(52936, kHzSamples);
+  CompareSamples(51932, kEucJpSamples);
 }
 
 }  // namespace
