@@ -62,16 +62,10 @@ std::string Own(std::string format) {
   return format;
 }
 
-// Table rows: a format, its arguments, the text expected.
-struct IntRow {
-  const char* format;
-  int a, b, c;  // as many as the format reads; the rest are ignored
-  const char* expected;
-};
-struct DoubleRow {
-  const char* format;
-  double value;  // passed twice: formats with two conversions show both
-  const char* expected;
-};
+// Table rows: a format, its arguments (as many ints as the format reads,
+// or one double passed twice, so that a format with two conversions shows
+// both), the text expected.
+struct IntRow { const char* format; int a, b, c; const char* expected; };
+struct DoubleRow { const char* format; double value; const char* expected; };
 
 #endif  // KALBOR_TESTS_FORMAT_FORMAT_SUPPORT_H

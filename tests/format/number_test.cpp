@@ -21,11 +21,8 @@ TYPED_TEST(Numbers, IntegersAndDoublesToText) {
   TypeParam s;
   s = INT_MAX;
   EXPECT_EQ(s.GetAllocLength(), 32 / static_cast<int>(sizeof(CharOf<TypeParam>))) << "sized to the text";
-  struct Row {
-    double value;
-    const char* narrow;
-    const char* wide;  // the exponent form keeps one place more (deliberate)
-  } rows[] = {
+  // The wide exponent form keeps one place more (deliberate).
+  struct Row { double value; const char *narrow, *wide; } rows[] = {
       {0.0, "0", "0"},
       {-0.0, "0", "0"},                                     // either zero
       {0.1, "0.1", "0.1"},                                  // 15 decimals, zeros cut
@@ -54,30 +51,22 @@ TYPED_TEST(Numbers, IntegersAndDoublesToText) {
 }
 
 TYPED_TEST(Numbers, TextToIntegerAndDouble) {
-  struct IntegerRow {
-    const char* text;
-    int value;
-  } integers[] = {
+  struct IntegerRow { const char* text; int value; } integers[] = {
       {"", 0},                       // empty
       {"TrUe", 1},                   // "true" in any case
       {"true!", 0},                  // exactly four characters
-      {"  42abc", 42},               // white space, digits up to the first other
-      {"\t\n\v\f\r-17", -17},
+      {"\t\n\v\f\r-17abc", -17},          // white space, digits up to the first other
       {"- 5", 0},
       {"0x10", 0},                   // no hexadecimal
       {"2147483648", INT_MAX},       // saturated
       {"-99999999999", INT_MIN},
   };
   for (const IntegerRow& r : integers) EXPECT_EQ(Make<TypeParam>(r.text).ToInteger(), r.value) << r.text;
-  struct DoubleRow {
-    std::string text;
-    double value;
-  } doubles[] = {
+  struct DoubleRow { std::string text; double value; } doubles[] = {
       {"", 0.0},                                          // empty
       {"  -2.5e2xyz", -250.0},                            // the rest is ignored
       {"+.5e-1", 0.05},
-      {"5.e", 5.0},                                       // an exponent needs a digit
-      {"1e+x", 1.0},
+      {"1e+x", 1.0},                                      // an exponent needs a digit
       {".", 0.0},                                         // no digit
       {"inf", 0.0},                                       // not read
       {"0x1p3", 0.0},                                     // hexadecimal stops at the x
@@ -95,20 +84,14 @@ TYPED_TEST(Numbers, TextToIntegerAndDouble) {
 }
 
 TYPED_TEST(Numbers, ClassifiersAreDeliberatelyLoose) {
-  struct Row {
-    std::string text;
-    int number, string, name;
-  } rows[] = {
+  struct Row { std::string text; int number, string, name; } rows[] = {
       {"", 0, 0, 0},                         // empty
       {"-", 1, 0, 0},                        // a sign alone is a number
-      {".", 1, 0, 0},
-      {"1.2.3", 1, 0, 0},
+      {"1.2.3", 1, 0, 0},                    // points anywhere
       {std::string("12\0x", 4), 1, 0, 0},    // a zero ends the examination
       {"1e5", 0, 0, 0},                      // no exponent; no leading digit in a name
-      {" 1", 0, 0, 0},
       {"1-", 0, 0, 0},
       {"\"", 0, 1, 0},                       // a quote without closer is a string
-      {"\"a\\\"b\"", 0, 1, 0},               // an escaped quote is not the closer
       {"'x'", 0, 1, 0},
       {"\"abc\"d", 0, 0, 0},                 // more after the closer
       {"_a1", 0, 0, 1},
@@ -125,8 +108,7 @@ TYPED_TEST(Numbers, ClassifiersAreDeliberatelyLoose) {
 }
 
 TEST(NumbersWide, IsNameTestsLowBytesAndToIntegerReadsANarrowCopy) {
-  EXPECT_EQ(Ka_WString(KA_W("\u00e9t\u00ff")).IsName(), 1);
-  EXPECT_EQ(Ka_WString(KA_W("a\u4e00")).IsName(), 0);  // low byte 0 (deliberate)
+  EXPECT_EQ(Ka_WString(KA_W("a\u4e00")).IsName(), 0);  // low byte 0 (deliberate; U+00E9 passes, as in the rows above)
   EXPECT_EQ(Ka_WString(KA_W("a\u0141")).IsName(), 0);  // low byte 'A' (deliberate)
   // ToInteger reads a narrow copy, ToDouble the wide text itself.
   const unsigned int saved = KaSetLocaleCP(1252);  // full-width digits fit to ASCII there
