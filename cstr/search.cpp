@@ -37,21 +37,40 @@ typename T::Char* LastOf(const typename T::Char* s, int c) {
 }
 
 // The leftmost occurrence of pat in s; s itself for a null or empty pat.
-// The text is measured window by window as the search goes, the windows
-// doubling in size, so that a call costs about as much as the text up to
-// the match: a caller that searches again from just past each match stays
-// linear in the text, however long it is.
+// An exact-case pattern of two or more characters is found by the traits'
+// pair scan (the processor's vector code for wide text), which stops at the
+// terminator itself: each start whose first two characters match is compared
+// in full. Should those comparisons cost more than the text passed over (a
+// text full of near-matches), and for the other patterns, the text is
+// measured window by window as the search goes, the windows doubling in
+// size, and searched with the first-and-last filter. Either way a call costs
+// about as much as the text up to the match: a caller that searches again
+// from just past each match stays linear in the text, however long it is.
 template <class T, bool kFold>
 typename T::Char* Occurrence(const typename T::Char* s, const typename T::Char* pat) {
+  typedef typename T::Char Char;
   const size_t m = LengthOrZero<T>(pat);
   if (m == 0) return Writable(s);
   if (s == nullptr) return nullptr;
+  const Char* p = s;
+  if (!kFold && m >= 2) {
+    size_t compared = 0;  // characters compared at candidates that failed
+    for (;; ++p) {
+      p = T::FindPair(p, pat[0], pat[1]);
+      if (p == nullptr) return nullptr;
+      size_t i = 2;
+      while (i < m && p[i] == pat[i]) ++i;  // the text's terminator ends it: pat has none
+      if (i == m) return Writable(p);
+      compared += i;
+      if (compared > static_cast<size_t>(p - s) + 4096) break;
+    }
+  }
   Searcher<T, kFold> searcher(pat, m);
   size_t window = 256;  // starts examined per round
-  for (const typename T::Char* p = s;;) {
+  for (;;) {
     // Every start of this window has room for a whole match, or the text ends.
     const size_t have = T::LengthUpTo(p, window + m - 1);
-    if (const typename T::Char* hit = searcher.Find(p, have)) return Writable(hit);
+    if (const Char* hit = searcher.Find(p, have)) return Writable(hit);
     if (have < window + m - 1) return nullptr;
     p += window;
     if (window < 65536) window *= 2;

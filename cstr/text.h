@@ -12,6 +12,8 @@
 //   LengthUpTo(s, limit)  the same, reading no further than limit characters
 //   Find(s, n, c)  the first of the n characters at s equal to c, or null;
 //                  stops reading at the match
+//   FindPair(s, a, b)  the first p at or after s, before the terminator,
+//                  with p[0] == a and p[1] == b (a, b not 0), or null
 #ifndef KALBOR_CSTR_TEXT_H
 #define KALBOR_CSTR_TEXT_H
 
@@ -20,7 +22,7 @@
 #include <cstddef>
 #include <cstring>
 
-#include "platform/wide_length.h"
+#include "platform/wide_scan.h"
 
 namespace ka_cstr {
 
@@ -41,6 +43,11 @@ struct NarrowText {
   static const Char* Find(const Char* s, size_t n, Char c) {
     return static_cast<const Char*>(std::memchr(s, static_cast<unsigned char>(c), n));
   }
+  static const Char* FindPair(const Char* s, Char a, Char b) {
+    for (const Char* p = s; *p != 0; ++p)
+      if (p[0] == a && p[1] == b) return p;  // p[1] is the terminator at worst
+    return nullptr;
+  }
 };
 
 // 16-bit text: units compare and subtract as unsigned values 0..65535.
@@ -59,6 +66,10 @@ struct WideText {
       if (*s == c) return s;
     return nullptr;
   }
+  static const Char* FindPair(const Char* s, Char a, Char b) {
+    return reinterpret_cast<const Char*>(ka_platform::WideFindPair(
+        reinterpret_cast<const uint16_t*>(s), static_cast<uint16_t>(a), static_cast<uint16_t>(b)));
+  }
 };
 
 // The narrow side of a wide-with-narrow (WA) comparison. It compares as a
@@ -74,6 +85,7 @@ struct NarrowInWideText {
   static size_t Length(const Char* s) { return NarrowText::Length(s); }
   static size_t LengthUpTo(const Char* s, size_t limit) { return NarrowText::LengthUpTo(s, limit); }
   static const Char* Find(const Char* s, size_t n, Char c) { return NarrowText::Find(s, n, c); }
+  static const Char* FindPair(const Char* s, Char a, Char b) { return NarrowText::FindPair(s, a, b); }
 };
 
 // ASCII-only case mapping of a compared value: the same for every byte and

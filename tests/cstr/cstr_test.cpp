@@ -189,24 +189,32 @@ TEST(CStrWidths, WideCopiesKeepTheNullRulesWideningZeroExtendsNarrowingTruncates
   EXPECT_EQ(ka_ascii2wide(nullptr, "a", 8), nullptr);
 }
 
-// Wide lengths are measured in aligned blocks: every start within a block
-// and every end near the next ones, the terminator the only zero.
-TEST(CStrWidths, WideLengthAtEveryAlignment) {
+// Wide lengths and the substring search's pair scan read aligned blocks:
+// every start within a block and every end near the next ones, the
+// terminator the only zero, and the pattern planted just before the text in
+// the same block, where it must never be found.
+TEST(CStrWidths, WideScansAtEveryAlignment) {
   alignas(32) ka_wchar text[80];
   for (int start = 0; start < 16; ++start)
     for (int length = 0; length < 48; ++length) {
       std::fill(text, text + 80, ka_wchar('x'));
+      if (start >= 2) std::copy(KA_W("yz"), KA_W("yz") + 2, text + start - 2);
       text[start + length] = 0;
+      // The pair at the very end; a lone y there must not pair with the zero.
+      if (length >= 1) text[start + length - 1] = ka_wchar(length >= 2 ? 'z' : 'y');
+      if (length >= 2) text[start + length - 2] = ka_wchar('y');
+      const ka_wchar* const pair = length >= 2 ? text + start + length - 2 : nullptr;
       ASSERT_EQ(ka_strlenW(text + start), length) << start;
+      EXPECT_EQ(ka_strstrW(text + start, KA_W("yz")), pair) << start << "/" << length;
+      EXPECT_EQ(ka_strstrW(text + start, KA_W("y")), length > 0 ? text + start + std::max(length - 2, 0) : nullptr);
       // An exact-size copy on the heap: no block wholly past its terminator
       // may be read (the valgrind CI target reports any such read).
       const size_t units = size_t(start + length + 1);
       ka_wchar* exact = static_cast<ka_wchar*>(::operator new(units * sizeof(ka_wchar), std::align_val_t(32)));
       std::copy(text, text + units, exact);
       EXPECT_EQ(ka_strlenW(exact + start), length) << start;
+      EXPECT_EQ(ka_strstrW(exact + start, KA_W("yz")), pair ? exact + (pair - text) : nullptr) << start;
       ::operator delete(exact, std::align_val_t(32));
-      if (length > 0) text[start + length - 1] = ka_wchar('y');
-      EXPECT_EQ(ka_strstrW(text + start, KA_W("y")), length > 0 ? text + start + length - 1 : nullptr) << start;
     }
 }
 

@@ -1,6 +1,6 @@
-// Wide text length on processors without vector code the library uses: one
+// Wide text scans on processors without vector code the library uses: one
 // unit after another, never reading past the terminator or the limit.
-#include "wide_length.h"
+#include "wide_scan.h"
 
 namespace ka_platform {
 
@@ -21,6 +21,16 @@ size_t WideLengthUpTo(const uint16_t* s, size_t limit) {
   size_t n = 0;
   while (n < limit && s[n] != 0) ++n;
   return n;
+}
+
+}  // namespace ka_platform
+
+namespace ka_platform {
+
+const uint16_t* WideFindPair(const uint16_t* s, uint16_t a, uint16_t b) {
+  for (const uint16_t* p = s; *p != 0; ++p)
+    if (p[0] == a && p[1] == b) return p;  // p[1] is the terminator at worst
+  return nullptr;
 }
 
 }  // namespace ka_platform
