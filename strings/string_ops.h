@@ -24,9 +24,51 @@
 #include <cassert>
 #include <cstdint>
 #include <cstring>
-#include <string_view>
 
 namespace ka_detail {
+
+// The positions of the occurrences that a substring Replace rewrites: the
+// first ones inside the object, the rest in a block of the size-class pools
+// that doubles as it fills.
+class Ka_Positions {
+ public:
+  Ka_Positions() = default;
+  Ka_Positions(const Ka_Positions&) = delete;
+  Ka_Positions& operator=(const Ka_Positions&) = delete;
+  ~Ka_Positions() {
+    if (m_block != nullptr) Ka_BufferPool::FreeBuffer(m_block);
+  }
+
+  int Size() const { return m_size; }
+  int operator[](int i) const { return m_at[i]; }
+
+  // Adds one position; false when a larger block cannot be had.
+  bool Add(int position) {
+    if (m_size == m_room && !Grow()) return false;
+    m_at[m_size++] = position;
+    return true;
+  }
+
+ private:
+  bool Grow() {
+    if (m_room > (0x7FFFFFFF / 2) / static_cast<int>(sizeof(int))) return false;
+    Ka_BufferData* const block = Ka_BufferPool::AllocBuffer(2 * m_room * static_cast<int>(sizeof(int)));
+    if (block == nullptr) return false;
+    int* const at = reinterpret_cast<int*>(block->data());
+    std::memcpy(at, m_at, static_cast<size_t>(m_size) * sizeof(int));
+    if (m_block != nullptr) Ka_BufferPool::FreeBuffer(m_block);
+    m_block = block;
+    m_at = at;
+    m_room *= 2;
+    return true;
+  }
+
+  int m_inline[64];
+  int* m_at = m_inline;
+  int m_size = 0;
+  int m_room = 64;
+  Ka_BufferData* m_block = nullptr;
+};
 
 template <class S>
 struct Ka_StringOps {
@@ -181,13 +223,6 @@ struct Ka_StringOps {
     return s.m_pchData != nullptr ? IndexOf(s, Tr::FindOneOf(s.m_pchData, set)) : -1;
   }
 
-  // The first occurrence of the m characters at p in text[from, limit), or -1.
-  static int FindIn(const Char* text, int limit, int from, const Char* p, int m) {
-    const size_t at = std::basic_string_view<Char>(text, static_cast<size_t>(limit))
-                          .find(p, static_cast<size_t>(from), static_cast<size_t>(m));
-    return at == std::basic_string_view<Char>::npos ? -1 : static_cast<int>(at);
-  }
-
   // ---- Slices ----------------------------------------------------------------
 
   static S Mid(const S& s, int start, int count) {
@@ -307,8 +342,10 @@ struct Ka_StringOps {
   // the return value is what the device's loop left in its counter: that
   // loop replaced occurrence k only while its write position (the end of the
   // previous replacement, 0 for the first) was below the new length, and
-  // returned the occurrences it did not reach. Here every occurrence is
-  // rewritten in one linear pass and the counter is worked out alongside.
+  // returned the occurrences it did not reach. Here the occurrences are found
+  // once, their positions kept, and the text is rewritten in one pass over
+  // its block: left to right when it does not grow, right to left when it
+  // does, so that the rewrite never overtakes what it has still to read.
   static int Replace(S& s, const Char* from, const Char* to) {
     const int length = s.GetLength();
     if (length == 0 || from == nullptr || from[0] == 0) return 0;
@@ -324,34 +361,47 @@ struct Ka_StringOps {
     const int fromLength = Tr::Length(from);
     const int toLength = Tr::Length(to);
 
-    const int count = Tr::Count(s.m_pchData, from);
+    Ka_Positions at;
+    for (const Char* p = s.m_pchData; (p = Tr::FindText(p, from)) != nullptr; p += fromLength)
+      if (!at.Add(static_cast<int>(p - s.m_pchData))) return 0;  // no room to keep them: nothing changes
+    const int count = at.Size();
     if (count == 0) return 0;
-    const int64_t grown = int64_t(length) + int64_t(count) * (toLength - fromLength);
+    const int64_t change = toLength - fromLength;
+    const int64_t grown = length + count * change;
     if (grown > Tr::kMaxLength) return 0;
     const int newLength = static_cast<int>(grown);
 
     Char* buffer = s.m_pchData;
     if (Tr::kReplaceUnshares || newLength > length) buffer = s.GetSafeBuffer(std::max(length, newLength));
     if (buffer == nullptr) return 0;
-    // A growing text is first moved to the end of its room, so that the
-    // rewrite, left to right from the start, never overtakes what it reads.
-    const int shift = newLength > length ? newLength - length : 0;
-    if (shift > 0) std::memmove(buffer + shift, buffer, Bytes(length));
-    int read = shift, write = 0, unreached = count;
-    for (int k = 0; k < count; ++k) {
-      // The occurrences counted above, in the same order: they all lie
-      // before the first zero, and from cannot match across a zero.
-      const int at = FindIn(buffer, shift + length, read, from, fromLength);
-      assert(at >= read);
-      if (write < newLength) --unreached;  // the device's loop got this far
-      std::memmove(buffer + write, buffer + read, Bytes(at - read));
-      write += at - read;
-      if (toLength > 0) std::memcpy(buffer + write, to, Bytes(toLength));
-      write += toLength;
-      read = at + fromLength;
+    if (newLength <= length) {
+      int read = 0, write = 0;
+      for (int k = 0; k < count; ++k) {
+        std::memmove(buffer + write, buffer + read, Bytes(at[k] - read));
+        write += at[k] - read;
+        std::memcpy(buffer + write, to, Bytes(toLength));
+        write += toLength;
+        read = at[k] + fromLength;
+      }
+      std::memmove(buffer + write, buffer + read, Bytes(length - read));
+    } else {
+      int read = length, write = newLength;  // ends of what is still to move
+      for (int k = count - 1; k >= 0; --k) {
+        const int tail = read - (at[k] + fromLength);
+        write -= tail;
+        std::memmove(buffer + write, buffer + at[k] + fromLength, Bytes(tail));
+        write -= toLength;
+        std::memcpy(buffer + write, to, Bytes(toLength));
+        read = at[k];
+      }
+      assert(read == write);  // the text before the first occurrence stays where it is
     }
-    std::memmove(buffer + write, buffer + read, Bytes(shift + length - read));
     SetLength(s, newLength);
+    // Occurrence k's write position: 0, or the end of replacement k - 1 in
+    // the new text; these never decrease.
+    int unreached = 0;
+    for (int k = count - 1; k >= 0 && (k == 0 ? 0 : at[k - 1] + (k - 1) * change + toLength) >= newLength; --k)
+      ++unreached;
     return unreached;
   }
 
