@@ -215,12 +215,22 @@ class KA_API Ka_AString {
   const Ka_AString& operator+=(const char* s);
   // Appends c; the character 0 appends nothing.
   const Ka_AString& operator+=(char c) {
-    const int old = GetLength();
-    if (c == 0 || !_IsPrivateWithRoom(old + 1)) return _AppendOne(c);
-    m_pchData[old] = c;  // in place, inline: the common case of a loop of appends
-    GetData()->nDataLength = Traits::Stored(old + 1);
-    m_pchData[old + 1] = 0;
-    return *this;
+    // In place, inline: the common case of a loop of appends. The text and
+    // its header are held in locals, so that writing the character does not
+    // make the compiler read them again.
+    char* const text = m_pchData;
+    if (text != nullptr && c != 0) {
+      Ka_BufferData* const data = Ka_BufferData::FromData(text);
+      const int old = Traits::Chars(static_cast<uint32_t>(data->nDataLength));
+      if (old < Traits::Chars(data->nAllocLength) && old < Traits::kMaxLength &&
+          ka_interlocked_read(&data->nRefs) <= 1) {
+        text[old] = c;
+        data->nDataLength = Traits::Stored(old + 1);
+        text[old + 1] = 0;
+        return *this;
+      }
+    }
+    return _AppendOne(c);
   }
   // Releases the text; the string becomes null.
   void Empty() { Release(); }
@@ -606,12 +616,22 @@ class KA_API Ka_WString {
   const Ka_WString& operator+=(const Ka_WString& other);
   const Ka_WString& operator+=(const ka_wchar* s);
   const Ka_WString& operator+=(ka_wchar c) {
-    const int old = GetLength();
-    if (c == 0 || !_IsPrivateWithRoom(old + 1)) return _AppendOne(c);
-    m_pchData[old] = c;  // in place, inline: the common case of a loop of appends
-    GetData()->nDataLength = Traits::Stored(old + 1);
-    m_pchData[old + 1] = 0;
-    return *this;
+    // In place, inline: the common case of a loop of appends. The text and
+    // its header are held in locals, so that writing the character does not
+    // make the compiler read them again.
+    ka_wchar* const text = m_pchData;
+    if (text != nullptr && c != 0) {
+      Ka_BufferData* const data = Ka_BufferData::FromData(text);
+      const int old = Traits::Chars(static_cast<uint32_t>(data->nDataLength));
+      if (old < Traits::Chars(data->nAllocLength) && old < Traits::kMaxLength &&
+          ka_interlocked_read(&data->nRefs) <= 1) {
+        text[old] = c;
+        data->nDataLength = Traits::Stored(old + 1);
+        text[old + 1] = 0;
+        return *this;
+      }
+    }
+    return _AppendOne(c);
   }
   void Empty() { Release(); }
 
