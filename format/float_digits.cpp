@@ -8,6 +8,8 @@
 
 #include <kalbor/util.h>
 
+#include "platform/bits.h"
+
 #include <cfloat>
 #include <cstdint>
 
@@ -20,6 +22,36 @@ namespace ka_detail {
 namespace {
 // Room for every integer digit of the largest double (309 of them).
 constexpr int kIntegerArea = 320;
+
+// Below this, an integer's digits from the loop's double steps are its exact
+// decimal digits: integer / 10 then lies within 2^-7 of k + r / 10 (for
+// integer = 10k + r), which truncates to k and leaves a tenth that gives r.
+// There the loop goes on in 64-bit integers, with the same digits.
+constexpr double kExactIntegerDigits = 562949953421312.0;  // 2^49
+
+// Every fraction the digit loop meets is a multiple of 2^-56: a value of 1
+// or more leaves a fraction on its own grid (2^-52 or coarser), a smaller
+// one is scaled to at least 0.1 (grid 2^-56), and each step's fraction lies
+// on a coarser grid than the one before. So the loop runs on the fraction's
+// 2^56 multiple in a 64-bit integer, where x 10 is exact and the double
+// multiplication's rounding is done by hand.
+constexpr int kFractionBits = 56;
+constexpr uint64_t kFractionOne = uint64_t(1) << kFractionBits;
+
+// fraction x 10 rounded to 53 significant bits, to nearest, ties to even,
+// as the double multiplication rounds it; fraction < 2^56, so no overflow.
+inline uint64_t TimesTenRounded(uint64_t fraction) {
+  uint64_t p = fraction * 10;
+  const int extra = ka_bit_width64(p) - 53;
+  if (extra > 0) {
+    const uint64_t low = p & ((uint64_t(1) << extra) - 1);
+    const uint64_t half = uint64_t(1) << (extra - 1);
+    p >>= extra;
+    if (low > half || (low == half && (p & 1) != 0)) ++p;
+    p <<= extra;
+  }
+  return p;
+}
 
 // modf for a finite value >= 0, without the library call: below 2^52 the
 // integer part is exact as a 64-bit integer and x minus it is exact too;
@@ -72,10 +104,12 @@ void GenerateFloatDigits(double value, int cap, int places, bool exponentMode, K
     // From the right: each digit is the integer part of (the fraction of
     // integer / 10 + 0.03) x 10. The loop ends: integer / 10 truncated is
     // below integer until it reaches 0, after at most 309 steps.
-    while (integer != 0 && integerDigits < kIntegerArea) {
+    while (integer >= kExactIntegerDigits && integerDigits < kIntegerArea) {
       const double tenth = SplitFraction(integer / 10, &integer);
       reversed[integerDigits++] = static_cast<char>('0' + static_cast<int>((tenth + .03) * 10));
     }
+    for (uint64_t rest = static_cast<uint64_t>(integer); rest != 0 && integerDigits < kIntegerArea; rest /= 10)
+      reversed[integerDigits++] = static_cast<char>('0' + rest % 10);
     point = integerDigits;
   } else {
     // A value below 1: scale it up to just below 1, one step per decade.
@@ -96,10 +130,11 @@ void GenerateFloatDigits(double value, int cap, int places, bool exponentMode, K
   // exactly zero.
   int n = 0;
   while (integerDigits > 0 && n <= cutoff) d[n++] = reversed[--integerDigits];
-  while (n <= cutoff && fraction != 0) {
-    double digit;
-    fraction = SplitFraction(fraction * 10, &digit);
-    d[n++] = static_cast<char>('0' + static_cast<int>(digit));
+  uint64_t rest = static_cast<uint64_t>(fraction * static_cast<double>(kFractionOne));  // exact
+  while (n <= cutoff && rest != 0) {
+    const uint64_t tenfold = TimesTenRounded(rest);
+    d[n++] = static_cast<char>('0' + (tenfold >> kFractionBits));
+    rest = tenfold & (kFractionOne - 1);
   }
 
   if (cutoff < n) {

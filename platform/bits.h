@@ -1,4 +1,5 @@
-// Bit scanning for the pools' free-unit maps (internal to the library).
+// Bit scanning for the pools' free-unit maps and the digit generator
+// (internal to the library).
 #ifndef KALBOR_PLATFORM_BITS_H
 #define KALBOR_PLATFORM_BITS_H
 
@@ -10,5 +11,6 @@ inline size_t ka_lowest_bit64(uint64_t w) { return static_cast<size_t>(__builtin
 
 // Bits needed to write a non-zero value: 1 for 1, 6 for 32..63.
 inline int ka_bit_width32(uint32_t v) { return 32 - __builtin_clz(v); }
+inline int ka_bit_width64(uint64_t v) { return 64 - __builtin_clzll(v); }
 
 #endif  // KALBOR_PLATFORM_BITS_H

@@ -8,6 +8,7 @@
 #include <limits>
 #include <random>
 
+#include "format/float_digits.h"
 #include "format/format_support.h"
 
 namespace {
@@ -92,5 +93,75 @@ TEST(FloatDigits, ExponentFormReadsBackAtEveryMagnitude) {
     // Half a unit of the last digit (14 digits from 0.01 up, fewer below,
     // one at least), and a little for the arithmetic.
     EXPECT_NEAR(s.ToDouble() / value, 1.0, 0.5 * std::pow(10.0, 2 - static_cast<int>(e)) + 1e-13) << text;
+  }
+}
+
+// The digit generator as plain double steps: each integer digit from the
+// fraction of integer / 10, each fraction digit from fraction x 10, then the
+// rounding at the cut-off. The generator takes 64-bit integer shortcuts
+// through both loops; its digits must be these, every step's rounding
+// included.
+void DoubleStepDigits(double value, int cap, int places, bool exponentMode, ka_detail::Ka_FloatDigits* out) {
+  auto split = [](double x, double* integer) {  // modf for x >= 0
+    *integer = x < 4503599627370496.0 ? static_cast<double>(static_cast<int64_t>(x)) : x;
+    return x - *integer;
+  };
+  cap = std::min(std::max(cap, 1), int(ka_detail::Ka_FloatDigits::kMaxCap));
+  char reversed[320], *d = out->digits;
+  int integerDigits = 0, point = 0, n = 0;
+  double integer, fraction = split(std::fabs(value), &integer);
+  if (integer != 0) {
+    while (integer != 0) reversed[integerDigits++] = char('0' + int((split(integer / 10, &integer) + .03) * 10));
+    point = integerDigits;
+  } else {
+    for (double scaled; (scaled = fraction * 10) < 1; --point) fraction = scaled;
+  }
+  out->point = point;
+  out->negative = value < 0;
+  int cutoff = places >= 1 && point + places < cap ? point + places : cap;
+  if (exponentMode && cutoff < 1) cutoff = 1;
+  if (cutoff >= 0) {
+    while (integerDigits > 0 && n <= cutoff) d[n++] = reversed[--integerDigits];
+    for (double digit; n <= cutoff && fraction != 0; d[n++] = char('0' + int(digit))) fraction = split(fraction * 10, &digit);
+  }
+  if (cutoff >= 0 && cutoff < n) {
+    int p = cutoff;
+    bool carriedOut = false;
+    for (d[p] = char(d[p] + 5); d[p] > '9';) {
+      d[p] = '0';
+      if (p > 0) {
+        d[--p]++;
+      } else {
+        d[0] = '1';
+        ++out->point;
+        carriedOut = true;
+      }
+    }
+    n = carriedOut && !exponentMode ? (cutoff > 0 ? (d[cutoff] = '0', cutoff + 1) : 1) : cutoff;
+  }
+  out->count = n;
+}
+
+TEST(FloatDigits, IntegerShortcutsGiveTheDoubleStepsDigits) {
+  std::mt19937_64 random(20261124);
+  for (int i = 0; i < 300000; ++i) {
+    const uint64_t bits = random();
+    double value;
+    if (i % 3 == 0)  // any finite double
+      std::memcpy(&value, &bits, 8);
+    else if (i % 3 == 1)  // integers of every size, with and without a fraction, across the 2^49 seam
+      value = std::ldexp(double(bits >> 11), int(random() % 110) - 53);
+    else  // decimal-looking values
+      value = double(int64_t(bits >> (random() % 64))) / std::pow(10.0, double(random() % 20));
+    if (!std::isfinite(value) || value == 0) continue;
+    const int cap = 1 + int(random() % 31), places = int(random() % 40) - 5;
+    const bool exponentMode = (random() & 1) != 0;
+    ka_detail::Ka_FloatDigits got, want;
+    ka_detail::GenerateFloatDigits(value, cap, places, exponentMode, &got);
+    DoubleStepDigits(value, cap, places, exponentMode, &want);
+    ASSERT_EQ(std::string(got.digits, size_t(got.count)), std::string(want.digits, size_t(want.count)))
+        << value << " cap " << cap << " places " << places << " exponent " << exponentMode;
+    ASSERT_EQ(got.point, want.point) << value;
+    ASSERT_EQ(got.negative, want.negative) << value;
   }
 }
