@@ -1,6 +1,8 @@
 // Trimming and editing, each made on a private text and on a shared one,
 // over both widths; then the substring Replace, checked against the
 // step-by-step loop it stands for, with the rule in which the widths differ.
+// Trims of texts without zeros, Remove, Insert and Delete are left to the
+// differential fuzz target, which runs them against std::string.
 #include <random>
 #include <utility>
 
@@ -10,58 +12,36 @@ template <class S>
 class Edit : public ::testing::Test {};
 TYPED_TEST_SUITE(Edit, BothStrings);
 
-TYPED_TEST(Edit, EditsKeepLengthsAndZerosAndTrimOnlyTheFourBlanksOrTheGivenCharacters) {
+TYPED_TEST(Edit, EditsKeepLengthsAndZerosAndTrimOnlyTheGivenCharacters) {
   typedef TypeParam S;
   typedef CharOf<S> C;
-  const auto set = Chars<S>("+-"), none = Chars<S>(""), x = Chars<S>("x"), ab = Chars<S>("AB");
+  const auto none = Chars<S>(""), x = Chars<S>("x"), ab = Chars<S>("AB");
   const std::string zeros("\0\0ab", 4), mixed("aB1\xE9z\0q", 7);
   RunEdits<S>({
-      {"", DO(s.Trim()), "", 0},                                         // the null string
-      {" x\t\n", DO(s.Trim()), "x", 0},                                  // both ends
-      {" \r\n\t", DO(s.Trim()), "", 0},                                  // all blank
-      {"\vx\f", DO(s.Trim()), "\vx\f", 0},                               // vertical tab, form feed stay
       {std::string("  a\0 b ", 7), DO(s.Trim()), std::string("a\0 b ", 5), 0},  // no blank before the zero
-      {std::string(" a \0b", 5), DO(s.Trim()), "a", 0},                  // the blanks before it go
-      {std::string("ab \0 c", 6), DO(s.TrimRight()), "ab", 0},           // looks only before the zero
-      {std::string("ab\0 ", 4), DO(s.TrimRight()), std::string("ab\0 ", 4), 0},  // no blank before it
-      {"xxaxx", DO(s.TrimLeft(C('x'))), "axx", 0},                       //
-      {"xxaxx", DO(s.TrimRight(C('x'))), "xxa", 0},                      //
-      {zeros, DO(s.TrimLeft(C(0))), "ab", 0},                            // leading zeros
-      {std::string(3, '\0'), DO(s.TrimLeft(C(0))), "", 0},               // but no further than the length
-      {"ab", DO(s.TrimRight(C(0))), "ab", 0},                            // 0 never matches on the right
-      {"-+a+-", DO(s.TrimLeft(set.c_str())), "a+-", 0},                  //
-      {"+-+", DO(s.TrimRight(set.c_str())), "", 0},                      // a set covering the text
-      {" a", DO(s.TrimLeft(none.c_str())), " a", 0},                     // empty set
-      {" a ", DO(s.TrimRight(static_cast<const C*>(nullptr))), " a ", 0},  // null set
-      {zeros, DO(s.TrimLeft(x.c_str())), zeros, 0},                      // a zero is in no set
-      {"  (a b) ", DO(s.TrimBrace(0)), "a b", 0},                        // trim, then the brackets
-      {" \"a\\tb\" ", DO(s.TrimBrace(1)), "a\tb", 0},                    // quotes, unescaped
-      {"   ", DO(s.TrimBrace(1)), "", 0},                                //
+      {std::string(" a \0b", 5), DO(s.Trim()), "a", 0},                          // the blanks before it go
+      {std::string("ab \0 c", 6), DO(s.TrimRight()), "ab", 0},                   // looks only before the zero
+      {"xxaxx", DO(s.TrimLeft(C('x'))), "axx", 0},                               //
+      {"xxaxx", DO(s.TrimRight(C('x'))), "xxa", 0},                              //
+      {zeros, DO(s.TrimLeft(C(0))), "ab", 0},                                    // leading zeros
+      {std::string(3, '\0'), DO(s.TrimLeft(C(0))), "", 0},                       // but no further than the length
+      {"ab", DO(s.TrimRight(C(0))), "ab", 0},                                    // 0 never matches on the right
+      {" a", DO(s.TrimLeft(none.c_str())), " a", 0},                             // empty set
+      {" a ", DO(s.TrimRight(static_cast<const C*>(nullptr))), " a ", 0},        // null set
+      {zeros, DO(s.TrimLeft(x.c_str())), zeros, 0},                              // a zero is in no set
+      {" \"a\\tb\" ", DO(s.TrimBrace(1)), "a\tb", 0},                            // trim, then the quotes, unescaped
+      {"   ", DO(s.TrimBrace(1)), "", 0},                                        // nothing left to unbrace
       {"", EDIT(s.Replace(C('a'), C('b'))), "", 0},                                      // the null string
-      {"banana", EDIT(s.Replace(C('a'), C('o'))), "bonono", 3},                          //
       {std::string("a\0a", 3), EDIT(s.Replace(C('a'), C('b'))), std::string("b\0b", 3), 2},  // past zeros
       {std::string("a\0a", 3), EDIT(s.Replace(C(0), C('-'))), "a-a", 1},                 // zeros themselves
-      {"banana", EDIT(s.Remove(C('a'))), "bnn", 3},                                      //
-      {"aaa", EDIT(s.Remove(C('a'))), "", 3},                                            //
-      {std::string("a\0b\0", 4), EDIT(s.Remove(C('b'))), std::string("a\0\0", 3), 1},    // zeros kept
-      {std::string("a\0b\0", 4), EDIT(s.Remove(C(0))), "ab", 2},                         // unless removed
-      {"", EDIT(s.Insert(0, C('x'))), "x", 1},                                           // a new block
-      {"ab", EDIT(s.Insert(100, C('x'))), "abx", 3},                                     // past the end: appends
-      {"ab", EDIT(s.Insert(1, C(0))), std::string("a\0b", 3), 3},                        // 0 like any other
-      {"ab", EDIT(s.Insert(-5, ab.c_str())), "ABab", 4},                                 // negative: in front
-      {"ab", EDIT(s.Insert(INT_MAX, ab.c_str())), "abAB", 4},                            //
+      {"ab", EDIT(s.Insert(INT_MAX, ab.c_str())), "abAB", 4},                            // no overflow
       {"ab", EDIT(s.Insert(1, static_cast<const C*>(nullptr))), "ab", 2},                // nothing to insert
-      {"", EDIT(s.Delete(0, 1)), "", 0},                                                 //
-      {"abcd", EDIT(s.Delete(1, 100)), "a", 1},                                          // to the end
-      {"abcd", EDIT(s.Delete(4, 1)), "abcd", 4},                                         // at the end: nothing
-      {"abcd", EDIT(s.Delete(-3, 2)), "cd", 2},                                          // negative: from 0
-      {"abcd", EDIT(s.Delete(1, -2)), "abcd", 4},                                        // negative count
-      {std::string("a\0bc", 4), EDIT(s.Delete(1, 2)), "ac", 2},                          // zeros count
+      {"abcd", EDIT(s.Delete(-3, 2)), "cd", 2},                                          // negative: from 0; the new length
       // Case changes stop at the first zero.
-      {"", DO(s.MakeUpper()), "", 0},                                       //
-      {mixed, DO(s.MakeUpper()), std::string("AB1\xE9Z\0q", 7), 0},         // ASCII only
-      {mixed, DO(s.MakeLower()), std::string("ab1\xE9z\0q", 7), 0},         //
-      {mixed, DO(s.MakeReverse()), std::string("Ab1\xE9Z\0q", 7), 0},       // swaps case, keeps the order (deliberate)
+      {"", DO(s.MakeUpper()), "", 0},                                  //
+      {mixed, DO(s.MakeUpper()), std::string("AB1\xE9Z\0q", 7), 0},    // ASCII only
+      {mixed, DO(s.MakeLower()), std::string("ab1\xE9z\0q", 7), 0},    //
+      {mixed, DO(s.MakeReverse()), std::string("Ab1\xE9Z\0q", 7), 0},  // swaps case, keeps the order (deliberate)
   });
   S a = Make<S>("banana"), b(a);
   EXPECT_EQ(b.Replace(C('a'), C('a')), 0);
@@ -91,53 +71,44 @@ std::pair<std::string, int> ReplaceModel(std::string text, const std::string& fr
 TYPED_TEST(Edit, SubstringReplaceAgreesWithTheStepByStepLoop) {
   typedef TypeParam S;
   typedef CharOf<S> C;
-  struct Row {
-    std::string before;
-    const char *from, *to;  // null: a null pointer
-    std::string after;
-    int result;
-  } rows[] = {
-      {"", "a", "b", "", 0},                                             // the null string
-      {"banana", nullptr, "x", "banana", 0},                             // null from
-      {"banana", "", "x", "banana", 0},                                  // empty from
-      {"banana", "a", "xy", "bxynxynxy", 0},                             // grows: every one reached
-      {"banana", "an", "AN", "bANANa", 0},                               // same length
-      {"banana", "a", nullptr, "bnn", 0},                                // null to deletes
-      {"aaa", "a", "", "", 3},                                           // emptied: none reached, a block kept
-      {"baa", "a", "", "b", 1},                                          // the last one lies past the new end
+  // Replace on a private and on a shared text; only the wide class writes
+  // through a shared block, and only when the text does not grow (deliberate).
+  auto check = [](const std::string& before, const char* from, const char* to, const std::pair<std::string, int>& expected) {
+    const auto f = Chars<S>(from ? from : ""), t = Chars<S>(to ? to : "");
+    const bool through = std::is_same<S, Ka_WString>::value && expected.first.size() <= before.size();
+    for (int shared = 0; shared < 2; ++shared) {
+      S s = Make<S>(before), other;
+      if (shared) other = s;
+      ASSERT_EQ(s.Replace(from ? f.c_str() : nullptr, to ? t.c_str() : static_cast<const C*>(nullptr)), expected.second)
+          << before << "/" << (from ? from : "null") << "/" << (to ? to : "null");
+      ASSERT_EQ(Text(s), expected.first) << before << "/" << shared;
+      ASSERT_EQ(s.GetData() == nullptr, before.empty());
+      ExpectWellFormed(s);
+      ASSERT_EQ(Text(other), !shared ? "" : through ? expected.first : before) << before;
+    }
+  };
+  // Rows the random texts below never make, and the ones that pin the model.
+  struct Row { std::string before; const char *from, *to; std::string after; int result; } rows[] = {  // null: nullptr
+      {"banana", nullptr, "x", "banana", 0},                              // null from
+      {"banana", "", "x", "banana", 0},                                   // empty from
+      {"banana", "a", nullptr, "bnn", 0},                                 // null to deletes
+      {"banana", "a", "xy", "bxynxynxy", 0},                              // grows: every one reached
+      {"baa", "a", "", "b", 1},                                           // the last one lies past the new end
       {std::string("ab\0ab", 5), "ab", "x", std::string("x\0ab", 4), 0},  // stops at the first zero
   };
   for (const Row& r : rows) {
     const std::pair<std::string, int> expected(r.after, r.result);
     EXPECT_EQ(ReplaceModel(r.before, r.from ? r.from : "", r.to ? r.to : ""), expected) << "the model itself";
-    const auto from = Chars<S>(r.from ? r.from : ""), to = Chars<S>(r.to ? r.to : "");
-    for (int shared = 0; shared < 2; ++shared) {
-      S s = Make<S>(r.before), other;
-      if (shared) other = s;
-      EXPECT_EQ(s.Replace(r.from ? from.c_str() : nullptr, r.to ? to.c_str() : static_cast<const C*>(nullptr)),
-                expected.second);
-      EXPECT_EQ(Text(s), expected.first) << r.before << "/" << shared;
-      EXPECT_EQ(s.GetData() == nullptr, r.before.empty());
-      ExpectWellFormed(s);
-      // Only the wide class writes through a shared block, and only when
-      // the text changes without growing (deliberate).
-      const bool through = !S::Traits::kReplaceUnshares && expected.first.size() <= r.before.size();
-      if (shared) {
-        EXPECT_EQ(Text(other), through ? expected.first : r.before) << r.before;
-      }
-    }
+    check(r.before, r.from, r.to, expected);
   }
   // Random texts of a, b and zeros against the model.
   std::mt19937 random(20240607);
   const char* patterns[] = {"", "a", "ab", "ba", "aa", "b", "aba", "xyz"};
-  for (int round = 0; round < 3000; ++round) {
+  for (int round = 0; round < 3000 && !::testing::Test::HasFatalFailure(); ++round) {
     std::string before(random() % 40, 'a');
     for (char& c : before) c = "aab\0"[random() % (random() % 8 == 0 ? 4 : 3)];
-    const std::string from = patterns[1 + random() % 6], to = patterns[random() % 8];
-    const auto expected = ReplaceModel(before, from, to);
-    S s = Make<S>(before);
-    ASSERT_EQ(s.Replace(Chars<S>(from).c_str(), Chars<S>(to).c_str()), expected.second) << before << "/" << from << "/" << to;
-    ASSERT_EQ(Text(s), expected.first) << before << "/" << from << "/" << to;
+    const char *from = patterns[1 + random() % 6], *to = patterns[random() % 8];
+    check(before, from, to, ReplaceModel(before, from, to));
   }
   // Patterns inside the string's own text.
   S own = Make<S>("abcab");

@@ -1,6 +1,6 @@
 // Helpers for the string tests: texts of either width written as bytes, a
 // reading of what a string holds, the class invariant, and a runner that
-// makes an edit on a private text and on a shared one, alone or as table rows.
+// makes each edit of a table on a private text and on a shared one.
 #ifndef KALBOR_TESTS_STRINGS_STRING_SUPPORT_H
 #define KALBOR_TESTS_STRINGS_STRING_SUPPORT_H
 
@@ -10,6 +10,7 @@
 #include <climits>
 #include <functional>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 typedef ::testing::Types<Ka_AString, Ka_WString> BothStrings;
@@ -45,55 +46,45 @@ int Refs(const S& s) {
   return s.GetData() != nullptr ? ka_interlocked_read(&s.GetData()->nRefs) : 0;
 }
 
+// The item handler of S, whose pool also holds S objects made with new.
+template <class S>
+Ka_ListObjHandler& HandlerOf() {
+  if (std::is_same<S, Ka_AString>::value) return Ka_AString::_KaAStringHandler;
+  return Ka_WString::_KaWStringHandler;
+}
+
 // The class invariant: null, or a counted block whose length fits its
 // capacity and whose text is followed by a zero.
 template <class S>
 void ExpectWellFormed(const S& s) {
   const CharOf<S>* p = s;
-  if (p == nullptr) {
-    EXPECT_EQ(s.GetAllocLength(), 0);
-    return;
-  }
-  EXPECT_GE(Refs(s), 1);
-  EXPECT_LE(s.GetLength(), s.GetAllocLength());
-  EXPECT_EQ(p[s.GetLength()], 0) << "no terminator after the stored length";
-}
-
-// Runs edit(s) on a string that owns `bytes` alone, then on one that shares
-// them; the second owner must still hold `bytes` afterwards.
-template <class S, class Edit>
-void OnPrivateAndShared(const std::string& bytes, Edit edit) {
-  for (int shared = 0; shared < 2; ++shared) {
-    SCOPED_TRACE(shared ? "on a shared text" : "on a private text");
-    S s = Make<S>(bytes), other;
-    if (shared) other = s;
-    edit(s);
-    ExpectWellFormed(s);
-    EXPECT_TRUE(!shared || Text(other) == bytes) << "the edit reached another owner: " << Text(other);
-  }
+  EXPECT_TRUE(p == nullptr ? s.GetAllocLength() == 0
+                           : Refs(s) >= 1 && s.GetLength() <= s.GetAllocLength() && p[s.GetLength()] == 0)
+      << "broken string: length " << s.GetLength() << ", capacity " << s.GetAllocLength();
 }
 
 // One row: the text before, the edit on `s`, the text after and the edit's
 // result (not checked for edits that return nothing: DO).
 template <class S>
-struct EditRow {
-  std::string before;
-  std::function<int(S&)> edit;
-  std::string after;
-  int result;
-};
+struct EditRow { std::string before; std::function<int(S&)> edit; std::string after; int result; };
 #define EDIT(expr) [&](S & s) { return (expr); }
 #define DO(statement) [&](S & s) { return (statement), INT_MIN; }
 
+// Makes each row's edit on a string that owns its text alone, then on one
+// that shares it; the other owner must still hold the text afterwards.
 template <class S>
 void RunEdits(const std::vector<EditRow<S>>& rows) {
   for (const EditRow<S>& r : rows) {
-    SCOPED_TRACE("\"" + r.before + "\" to \"" + r.after + "\"");
-    OnPrivateAndShared<S>(r.before, [&r](S& s) {
+    for (int shared = 0; shared < 2; ++shared) {
+      SCOPED_TRACE("\"" + r.before + "\" to \"" + r.after + (shared ? "\", shared" : "\", private"));
+      S s = Make<S>(r.before), other;
+      if (shared) other = s;
       const int result = r.edit(s);
       EXPECT_EQ(Text(s), r.after);
       EXPECT_TRUE(result == INT_MIN || result == r.result) << result;
-    });
+      ExpectWellFormed(s);
+      EXPECT_TRUE(!shared || Text(other) == r.before) << "the edit reached another owner: " << Text(other);
+    }
   }
 }
 
