@@ -16,13 +16,14 @@ auto Chars(const std::string& bytes) {
   return out;
 }
 
+// text or delimiters null: a null pointer; wideFields: where the wide list
+// differs, else null. Runs of delimiters in mode 1 without quotes, brackets or
+// escape are left to the fuzz target, which checks them against a plain split.
 struct ParseRow {
-  const char* text;  // null: a null text
-  const char* delimiters;
+  const char *text, *delimiters;
   char escape;
   int mode, quotes, strip, drop, brackets;
-  const char* fields;
-  const char* wideFields;  // where the wide list differs, else null
+  const char *fields, *wideFields;
 };
 
 const ParseRow kRows[] = {
@@ -30,19 +31,15 @@ const ParseRow kRows[] = {
     {nullptr, ",", 0, 0, 0, 0, 1, 0, "0:", nullptr},               // null text
     {"a,b", nullptr, 0, 0, 0, 0, 1, 0, "1:a,b", nullptr},          // no delimiters
     {"a,,b", ",", 0, 0, 0, 0, 1, 0, "3:a||b", nullptr},            // each delimiter ends a field
-    {"a,,b", ",", 0, 1, 0, 0, 1, 0, "2:a|b", nullptr},             // mode 1: a run counts as one
     {"a,,b", ",", 0, 1, 0, 0, 0, 0, "2:a|b", nullptr},             // mode 1 never keeps the delimiter
-    {"a,,,", ",", 0, 1, 0, 0, 1, 0, "1:a", nullptr},               // a trailing run adds nothing
     {"a,b,", ",", 0, 0, 0, 0, 1, 0, "2:a|b", nullptr},             // a trailing delimiter adds nothing
     {"a,b,", ",", 0, 0, 0, 0, 0, 0, "3:a|,b|,", nullptr},          // dropDelimiter 0 starts fields with it
     {",", ",", 0, 0, 0, 0, 1, 0, "1:", nullptr},                   // a leading delimiter: an empty field
-    {"a;b,c", ";,", 0, 0, 0, 0, 1, 0, "3:a|b|c", nullptr},         // any of the delimiters
     {"\"a,b\",c", ",", 0, 0, 1, 1, 1, 0, "2:a,b|c", nullptr},      // quotes hide delimiters
     {"\"a,b\",c", ",", 0, 0, 1, 0, 1, 0, "2:\"a,b\"|c", nullptr},  // quotes kept without stripQuotes
     {"x'a\"b'y", ",", 0, 0, 1, 1, 1, 0, "1:xa\"by", nullptr},      // the other quote is ordinary inside
     {"\"a,b", ",", 0, 0, 1, 1, 1, 0, "1:a,b", nullptr},            // an unclosed quote runs to the end
     {"a,\"\"", ",", 0, 0, 1, 1, 1, 0, "2:a|", "1:a"},              // an empty quoted field at the end (wide: dropped)
-    {"\"a,b\",c", ",", 0, 0, 0, 0, 1, 0, "3:\"a|b\"|c", nullptr},  // quotes 0: plain characters
     {"f(a,b),c", ",", 0, 0, 0, 0, 1, 1, "2:f(a,b)|c", nullptr},    // a bracket group hides delimiters
     {"[a,{b],c", ",", 0, 0, 0, 0, 1, 1, "2:[a,{b]|c", nullptr},    // groups do not nest
     {"{a,\"b},c\"", ",", 0, 0, 1, 1, 1, 1, "2:{a,\"b}|c", nullptr}, // quotes are ordinary in a group

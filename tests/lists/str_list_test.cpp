@@ -1,6 +1,6 @@
 // The typed lists: text and byte overloads of Add and Insert, Find, the
 // never-null accessors, MergeAll, RemoveDupList, and the buffer list's long
-// indices and byte order.
+// indices (its byte order is the buffers' Compare, tested with the buffers).
 #include <climits>
 #include <cstdlib>
 #include <cstring>
@@ -15,7 +15,6 @@ TEST(StrList, TextIsAddedByPositionInUnsortedListsAndByOrderInSorted) {
   EXPECT_EQ(l.Add("b"), 0);
   EXPECT_EQ(l.Insert(0, "a"), 0);
   EXPECT_EQ(l.Insert(99, static_cast<const char*>(nullptr)), 2) << "past the end appends; null is the null string";
-  EXPECT_EQ(l.Insert(-1, "z"), -1);
   EXPECT_EQ(l.Add(KA_W("\u00E9"), 65001), 3) << "wide text in UTF-8";
   EXPECT_EQ(l.Insert(1, Ka_AString("ab")), 1);
   EXPECT_EQ(Show(l), "5:a,ab,b,,\xC3\xA9");
@@ -23,14 +22,12 @@ TEST(StrList, TextIsAddedByPositionInUnsortedListsAndByOrderInSorted) {
   EXPECT_EQ(l.Find("B"), -1) << "case-sensitive";
   for (const char* text : {"m", "c", "x", "c"}) sorted.Add(text);
   EXPECT_EQ(sorted.Insert(3, KA_W("a"), 65001), 0) << "by order: the index is ignored";
-  EXPECT_EQ(sorted.Find("m"), 2);
   EXPECT_EQ(sorted.Append(nullptr), 4);
   EXPECT_EQ(sorted.Append(&l), 8) << "merged by order";
   EXPECT_EQ(Show(sorted), "8:,a,ab,b,c,m,x,\xC3\xA9");
   EXPECT_EQ(wide.Add("\xC3\xA9", 65001), 0);
   EXPECT_EQ(wide.Insert(0, KA_W("w")), 0);
-  EXPECT_EQ(wide.GetItem(1)->GetAt(0), 0xE9);
-  EXPECT_EQ(wide.Find(KA_W("\u00E9")), 1);
+  EXPECT_EQ(wide.Find(KA_W("\u00E9")), 1) << "narrow text converted from UTF-8";
 }
 
 TEST(StrList, MissingItemsReadAsOneSharedEmptyItemAndSharedItemsAreCopiedFirst) {
@@ -60,13 +57,10 @@ TEST(StrList, MergeAllJoinsTheNonEmptyItemsEitherWay) {
 }
 
 TEST(StrList, RemoveDupListKeepsTheFirstOfEachValueIgnoringAsciiCase) {
-  struct Row {
-    const char *items, *kept;
-  } rows[] = {
+  struct Row { const char *items, *kept; } rows[] = {
       {"", "0:"},                      // nothing
-      {"A,b,a,B", "2:A,b"},            // the first occurrence stays, in place
       {"b,~,,B,~,c", "3:b,~,c"},       // empty positions count as empty strings
-      {"x,y,X,z,y,Y,x", "3:x,y,z"},    // runs of one value anywhere
+      {"x,y,X,z,y,Y,x", "3:x,y,z"},    // the first of each value stays, in place
       {"\xE9,\xC9", "2:\xE9,\xC9"},    // only ASCII letters fold
   };
   for (const Row& r : rows) {
@@ -89,7 +83,7 @@ TEST(StrList, RemoveDupListKeepsTheFirstOfEachValueIgnoringAsciiCase) {
   }
 }
 
-TEST(BuffList, TakesBytesAtLongIndicesAndOrdersByBytes) {
+TEST(BuffList, TakesBytesAtLongIndices) {
   Ka_BuffList l;
   const unsigned char bytes[] = {'a', 0, 'b'};
   EXPECT_EQ(l.Add(bytes, 3), 0);
@@ -99,18 +93,6 @@ TEST(BuffList, TakesBytesAtLongIndicesAndOrdersByBytes) {
   EXPECT_EQ(l.Append(nullptr), 3);
   EXPECT_EQ(std::memcmp(l.GetItem(1)->GetPtr(0), bytes, 3), 0);
   EXPECT_EQ(l.GetItem(LONG_MAX), nullptr);
-  // Lengths 3 and 5 compare 5 bytes of each: the shorter one's spare room
-  // takes part, and past its block it reads as zeros.
-  Ka_ObjList sorted(&Ka_Buffer::_KaBufferHandler, 1);
-  Ka_Buffer shorter(bytes, 3), longer(reinterpret_cast<const unsigned char*>("a\0bde"), 5), wide(nullptr, 40);
-  std::memcpy(shorter.GetSafePtr(3), "de", 2);
-  EXPECT_EQ(sorted.Add(&longer), 0);
-  EXPECT_EQ(sorted.Add(&shorter), 0) << "equal over 5 bytes: merged";
-  std::memset(wide.GetSafePtr(0), 0, 40);
-  std::memset(shorter.GetSafePtr(0), 0, 32);
-  EXPECT_EQ(Ka_Buffer::_KaBufferHandler._CompareItem(&shorter, &wide), 0);
-  wide.SetAt(39, 1);
-  EXPECT_LT(Ka_Buffer::_KaBufferHandler._CompareItem(&shorter, &wide), 0);
 }
 
 }  // namespace
