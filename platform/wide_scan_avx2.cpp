@@ -11,8 +11,8 @@ namespace {
 struct Avx2Units {
   typedef __m256i Vector;
   static constexpr unsigned kBytes = 32;
-  static Vector Load(const char* p) { return _mm256_load_si256(reinterpret_cast<const __m256i*>(p)); }
-  static Vector LoadUnaligned(const char* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
+  KA_WHOLE_BLOCK_READS static Vector Load(const char* p) { return _mm256_load_si256(reinterpret_cast<const __m256i*>(p)); }
+  KA_WHOLE_BLOCK_READS static Vector LoadUnaligned(const char* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
   static Vector Splat(uint16_t u) { return _mm256_set1_epi16(static_cast<short>(u)); }
   static Vector Zero() { return _mm256_setzero_si256(); }
   static Vector Equal(Vector x, Vector y) { return _mm256_cmpeq_epi16(x, y); }

@@ -29,8 +29,8 @@ KA_WHOLE_BLOCK_READS inline unsigned ZeroUnits(const __m128i* block) {
 struct Sse2Units {
   typedef __m128i Vector;
   static constexpr unsigned kBytes = 16;
-  static Vector Load(const char* p) { return _mm_load_si128(reinterpret_cast<const __m128i*>(p)); }
-  static Vector LoadUnaligned(const char* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+  KA_WHOLE_BLOCK_READS static Vector Load(const char* p) { return _mm_load_si128(reinterpret_cast<const __m128i*>(p)); }
+  KA_WHOLE_BLOCK_READS static Vector LoadUnaligned(const char* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
   static Vector Splat(uint16_t u) { return _mm_set1_epi16(static_cast<short>(u)); }
   static Vector Zero() { return _mm_setzero_si128(); }
   static Vector Equal(Vector x, Vector y) { return _mm_cmpeq_epi16(x, y); }
