@@ -379,7 +379,7 @@ struct Ka_StringOps {
       for (int k = 0; k < count; ++k) {
         std::memmove(buffer + write, buffer + read, Bytes(at[k] - read));
         write += at[k] - read;
-        std::memcpy(buffer + write, to, Bytes(toLength));
+        if (toLength > 0) std::memcpy(buffer + write, to, Bytes(toLength));  // to may be null
         write += toLength;
         read = at[k] + fromLength;
       }
@@ -391,7 +391,7 @@ struct Ka_StringOps {
         write -= tail;
         std::memmove(buffer + write, buffer + at[k] + fromLength, Bytes(tail));
         write -= toLength;
-        std::memcpy(buffer + write, to, Bytes(toLength));
+        if (toLength > 0) std::memcpy(buffer + write, to, Bytes(toLength));  // to may be null
         read = at[k];
       }
       assert(read == write);  // the text before the first occurrence stays where it is
