@@ -4,10 +4,10 @@
 // its copy to itself (internal linkage), so that no AVX2 code is ever shared
 // with the SSE2 path.
 //
-// The loads are aligned whole blocks (or one unit further on, inside the
-// next block, as below), so they never cross a page; they may reach outside
-// the allocation that holds the text, so the scans are exempt from the
-// address and thread sanitizers' instrumentation (see wide_scan_x86_64.cpp).
+// The loads are aligned whole blocks, so they never cross a page; they may
+// reach outside the allocation that holds the text, so the scans are exempt
+// from the address and thread sanitizers' instrumentation (see
+// wide_scan_x86_64.cpp).
 #ifndef KALBOR_PLATFORM_WIDE_SCAN_STEPS_H
 #define KALBOR_PLATFORM_WIDE_SCAN_STEPS_H
 
@@ -51,11 +51,12 @@ KA_WHOLE_BLOCK_READS inline size_t LengthIn(const uint16_t* s) {
 }
 
 // Per block of V::kBytes: its zero units, and the units equal to a whose next
-// unit equals b. The next units are read a block at a time one unit further
-// on, only when the block holds no zero: then they are text, the last of
-// them the following block's first unit (the terminator at worst). With a
-// zero in the block, only the pairs before it count, and they lie wholly
-// inside the block. s is on a unit boundary.
+// unit equals b. The next units are the block shifted down by one unit with
+// the following block's first unit on top; that block is read only when this
+// one holds no zero (then it holds a unit of the text, the terminator at
+// worst). With a zero in the block, only the pairs before it count, and they
+// lie wholly inside the block. Every load is an aligned block. s is on a unit
+// boundary.
 template <class V>
 KA_WHOLE_BLOCK_READS inline const uint16_t* FindPairIn(const uint16_t* s, uint16_t a, uint16_t b) {
   const typename V::Vector first = V::Splat(a), second = V::Splat(b);
@@ -63,17 +64,22 @@ KA_WHOLE_BLOCK_READS inline const uint16_t* FindPairIn(const uint16_t* s, uint16
   const unsigned skip = static_cast<unsigned>(address & (V::kBytes - 1));
   const char* block = reinterpret_cast<const char*>(address - skip);
   unsigned live = ~0u << skip;  // the units before s do not count
+  typename V::Vector units = V::Load(block);
   for (;; block += V::kBytes, live = ~0u) {
-    const typename V::Vector units = V::Load(block);
     const unsigned zeros = V::Mask(V::Equal(units, V::Zero())) & live;
     if (zeros != 0) {
-      const unsigned before = (zeros & (0u - zeros)) - 1;  // the units before the first zero
+      // The units before the first zero, from the zero's position: units past
+      // it may be unset memory, and a memory checker follows that through
+      // the position exactly but not through an arithmetic mask.
+      const unsigned before = (1u << __builtin_ctz(zeros)) - 1;
       const unsigned hits = V::Mask(V::Equal(units, first)) & (V::Mask(V::Equal(units, second)) >> 2) & before & live;
       return hits != 0 ? reinterpret_cast<const uint16_t*>(block + __builtin_ctz(hits)) : nullptr;
     }
-    const typename V::Vector next = V::LoadUnaligned(block + 2);
+    const typename V::Vector following = V::Load(block + V::kBytes);
+    const typename V::Vector next = V::NextUnits(units, following);
     const unsigned hits = V::Mask(V::And(V::Equal(units, first), V::Equal(next, second))) & live;
     if (hits != 0) return reinterpret_cast<const uint16_t*>(block + __builtin_ctz(hits));
+    units = following;
   }
 }
 

@@ -30,7 +30,8 @@ struct Sse2Units {
   typedef __m128i Vector;
   static constexpr unsigned kBytes = 16;
   KA_WHOLE_BLOCK_READS static Vector Load(const char* p) { return _mm_load_si128(reinterpret_cast<const __m128i*>(p)); }
-  KA_WHOLE_BLOCK_READS static Vector LoadUnaligned(const char* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+  // Units 1..7 of x, then unit 0 of y.
+  static Vector NextUnits(Vector x, Vector y) { return _mm_or_si128(_mm_srli_si128(x, 2), _mm_slli_si128(y, 14)); }
   static Vector Splat(uint16_t u) { return _mm_set1_epi16(static_cast<short>(u)); }
   static Vector Zero() { return _mm_setzero_si128(); }
   static Vector Equal(Vector x, Vector y) { return _mm_cmpeq_epi16(x, y); }
