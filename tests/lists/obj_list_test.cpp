@@ -1,10 +1,8 @@
-// The object list: positional edits and their refusals (each on a private
-// list and on lists sharing its array or its items), the sorted list's
-// refusals, sharing at both levels, and AppendList and GetSubList.
+// The object list: positional edits, AppendList and GetSubList and their
+// refusals (each on a private list and on lists sharing its array or its
+// items), the sorted list's refusals and merges, the arrays AppendList and
+// GetSubList share, and the lists they never share with.
 #include <climits>
-#include <functional>
-#include <set>
-#include <vector>
 
 #include "lists/list_support.h"
 
@@ -13,16 +11,11 @@ namespace {
 Ka_AString x("x");
 void* const X = &x;
 
-struct EditRow { std::string before; std::function<long(Ka_ObjList&)> edit; std::string after; long result; };
-#define EDIT(expr) [](Ka_ObjList & l) -> long { return (expr); }
-
-void RunEdits(int sorted, const std::vector<EditRow>& rows) {
-  for (const EditRow& r : rows) {
-    OnPrivateAndShared(r.before, sorted, [&r](Ka_ObjList& l) {
-      EXPECT_EQ(r.edit(l), r.result) << r.before << " to " << r.after;
-      EXPECT_EQ(Show(l), r.after) << r.before;
-    });
-  }
+// An unsorted list of l's handler holding items ("~": an empty position).
+Ka_ObjList Other(const Ka_ObjList& l, const char* items) {
+  Ka_ObjList other(l.GetHandler(), 0);
+  Fill(other, items);
+  return other;
 }
 
 TEST(ObjListEdit, PositionalEditsFollowTheirRangesOrRefuseAndSortedListsRefuseThem) {
@@ -50,6 +43,16 @@ TEST(ObjListEdit, PositionalEditsFollowTheirRangesOrRefuseAndSortedListsRefuseTh
       {"a", EDIT(l.AllocItems(3)), "3:a,~,~", 3},               // new positions are empty
       {"a,b", EDIT(l.AllocItems(1)), "2:a,b", 2},               // never shrinks
       {"a,b", EDIT(l.AllocItems(Ka_ObjList::kMaxCount + 1)), "2:a,b", 2},  // beyond the largest array: refused
+      {"a", EDIT(l.GetSafeItem(2, 0) != nullptr), "1:a", 0},    // past the end without extend
+      {"a", EDIT(l.GetSafeItem(2, 1) != nullptr), "3:a,~,", 1}, // extends with an empty item
+      {"a,x", EDIT(l.FindItem(X)), "2:a,x", 1},                 // found by a linear scan
+      {"a,x", EDIT(l.SearchItem(X)), "2:a,x", -1},              // no binary search in an unsorted list
+      {"a", EDIT(l.FindItem(nullptr)), "1:a", -1},              // no key
+      {"x", EDIT((l.AppendList(Other(l, "b,~,a")), 0)), "4:x,b,~,a", 0},  // positions appended, empty ones too
+      {"a,b", EDIT((l.AppendList(l), 0)), "2:a,b", 0},          // one array: nothing
+      {"a,b,c,d", EDIT(l.GetSubList(l, 1, 2)), "2:b,c", 2},     // a range, into the list itself
+      {"a,b,c,d", EDIT(l.GetSubList(l, 2, 99)), "2:c,d", 2},    // cut to the end
+      {"a,b", EDIT(l.GetSubList(l, -1, 2)), "0:", 0},           // a negative start empties the target
   });
   // Sorted lists refuse positions (their placing by order is run against a
   // model in sorted_test.cpp).
@@ -59,100 +62,48 @@ TEST(ObjListEdit, PositionalEditsFollowTheirRangesOrRefuseAndSortedListsRefuseTh
       {"a,c,e", EDIT(l.Move(0, 2)), "3:a,c,e", 0},             // nothing done
       {"a,c,e", EDIT(l.Insert(0, nullptr)), "3:a,c,e", -1},    // null has no place
       {"a,~,e", EDIT(l.Add(X)), "3:a,~,e", -1},                // the search meets an empty position
+      {"", EDIT(l.SearchItem(X)), "0:", -1},                   // no array
+      {"", EDIT((l.AppendList(Other(l, "c,~,a,c")), 0)), "2:a,c", 0},  // from an unsorted list: linked by order, merged
   });
 }
 
-TEST(ObjListShare, ArraysAndItemsAreCopiedOnlyWhenWrittenThrough) {
+TEST(ObjListShare, ASortedAddAssignsAnEqualItemInPlaceEvenWhenShared) {
   CountingHandler h;
   {
-    Ka_ObjList a(&h, 0), b(&h, 0);
-    Fill(a, "a,b,~");
-    b = a;
-    EXPECT_EQ(b.Set(2, nullptr, 0), 0);
-    EXPECT_EQ(ArrayRefs(a), 2) << "emptying an empty position keeps the array shared";
-    EXPECT_EQ(b.Set(0, X, 0), 0);
-    EXPECT_EQ(SlotRefs(a, 1), 2) << "a copied array still shares the items";
-    Ka_ObjList c(&h, 0);
-    EXPECT_EQ(c.AddLink(a.GetItem(0)), 0);
-    void* mine = a.GetSafeItem(0, 0);
-    *static_cast<Ka_AString*>(mine) = "A";
-    EXPECT_EQ(Show(a) + " " + Show(c), "3:A,b,~ 1:a");
-    EXPECT_EQ(a.GetSafeItem(0, 0), mine) << "a private item is written in place";
-    EXPECT_EQ(a.GetSafeItem(4, 0), nullptr) << "beyond the end without extend";
-    EXPECT_NE(a.GetSafeItem(4, 1), nullptr);
-    EXPECT_EQ(Show(a), "5:A,b,~,~,");
-    Ka_ObjList full(&h, 0);
-    Fill(full, "f");
-    const Ka_ObjList fullCopy(full);
-    full.Pack();
-    EXPECT_EQ(ArrayRefs(full), 2) << "a Pack with nothing to remove keeps the array shared";
-    // A sorted Add assigns an equal item in place, even when shared (deliberate).
     Ka_ObjList sorted(&h, 1), linker(&h, 1);
     Fill(sorted, "a,b");
     Fill(linker, "b");
     const Ka_ObjList copy(sorted);
     Ka_AString key("b");
     EXPECT_EQ(sorted.Add(&key), 1);
-    EXPECT_EQ(ArrayRefs(sorted), 2) << "the array is not copied";
+    EXPECT_EQ(sorted.GetListData()->nRefs, 2) << "the array is not copied";
     EXPECT_EQ(static_cast<const Ka_AString*>(copy.GetItem(1))->GetData(), key.GetData());
     EXPECT_EQ(sorted.AddLink(linker.GetItem(0)), 1);
     EXPECT_EQ(sorted.GetItem(1), linker.GetItem(0)) << "AddLink replaces an equal item by the link";
     EXPECT_NE(copy.GetItem(1), linker.GetItem(0)) << "in a private copy of the array";
+    void* const mine = sorted.GetSafeItem(0, 0);  // copied: the copy shares it
+    EXPECT_EQ(sorted.GetSafeItem(0, 0), mine) << "a private item is written in place";
   }
   EXPECT_EQ(h.live, 0);
 }
 
-TEST(ObjListCombine, AppendListSharesOrLinksByTheTwoFlags) {
-  struct Row { const char *mine, *other; int mineSorted, otherSorted; const char* result; bool sharesArray; } rows[] = {
-      {"", "", 0, 0, "0:", false},                  // both empty
-      {"", "b,~,a", 0, 0, "3:b,~,a", true},         // an empty list shares the whole array
-      {"", "a,b", 0, 1, "2:a,b", true},             // ... and keeps its unsorted flag
-      {"", "c,~,a,c", 1, 0, "2:a,c", false},        // sorted from unsorted: linked by order, merged
-      {"x", "b,~,a", 0, 0, "4:x,b,~,a", false},     // positions appended, empty ones too
-  };
-  for (const Row& r : rows) {
-    CountingHandler h;
-    Ka_ObjList mine(&h, r.mineSorted), other(&h, r.otherSorted);
-    Fill(mine, r.mine);
-    Fill(other, r.other);
-    std::set<void*> known;  // every slot of both lists before
-    for (int i = 0; i < mine.Count() + other.Count(); ++i)
-      known.insert(i < mine.Count() ? mine.GetItem(i) : other.GetItem(i - mine.Count()));
-    mine.AppendList(other);
-    mine.AppendList(mine);  // one array: nothing
-    EXPECT_EQ(Show(mine), r.result);
-    EXPECT_EQ(mine.IsSorted(), r.mineSorted);
-    EXPECT_EQ(mine.GetListData() != nullptr && mine.GetListData() == other.GetListData(), r.sharesArray);
-    for (int i = 0; i < mine.Count(); ++i)
-      if (known.count(mine.GetItem(i)) == 0) ADD_FAILURE() << r.result << ": item " << i << " copied, not shared";
-  }
-}
-
-TEST(ObjListCombine, GetSubListSharesTheWholeArrayOrLinksARange) {
+TEST(ObjListCombine, WholeArraysAreSharedWithTheirFlagsAndNeverWithAnotherHandler) {
   CountingHandler h;
-  Ka_ObjList l(&h, 1), target(&h, 0), stranger(nullptr, 0);
-  Fill(l, "a,b,c,d");
-  EXPECT_EQ(l.GetSubList(target, 0, 4), 4);
-  EXPECT_EQ(target.GetListData(), l.GetListData());
-  EXPECT_EQ(target.IsSorted(), 1) << "the whole list brings its flag";
-  struct Row { int start, count, result; const char* shown; } rows[] = {
-      {1, 2, 2, "2:b,c"},   // a range, linked
-      {2, 99, 2, "2:c,d"},  // cut to the end
-      {-1, 2, 0, "0:"},     // a negative start
-  };
-  for (const Row& r : rows) {
-    Ka_ObjList range(&h, 0);
-    EXPECT_EQ(l.GetSubList(range, r.start, r.count), r.result) << r.start << "," << r.count;
-    EXPECT_EQ(Show(range), r.shown);
-    EXPECT_EQ(range.IsSorted(), 0) << "a range leaves the target's flag alone";
-    EXPECT_TRUE(r.result == 0 || range.GetItem(0) == l.GetItem(r.start)) << "items are linked";
-  }
-  EXPECT_EQ(l.GetSubList(stranger, 0, 4), 0) << "another handler never shares";
-  l.AssignList(stranger);
-  l.AppendList(stranger);
+  Ka_ObjList sorted(&h, 1), empty(&h, 0), whole(&h, 0), stranger(nullptr, 0);
+  Fill(sorted, "a,b,c,d");
+  const int live = h.live;
+  empty.AppendList(sorted);
+  EXPECT_TRUE(empty.GetListData() == sorted.GetListData() && empty.IsSorted() == 0) << "an empty list shares, keeps its flag";
+  EXPECT_EQ(sorted.GetSubList(whole, 0, 4), 4);
+  EXPECT_TRUE(whole.GetListData() == sorted.GetListData() && whole.IsSorted() == 1) << "the whole list brings its flag";
+  EXPECT_EQ(sorted.GetSubList(empty, 1, 2), 2);
+  EXPECT_TRUE(empty.GetItem(0) == sorted.GetItem(1) && empty.IsSorted() == 0) << "a range is linked, the flag left alone";
+  EXPECT_EQ(h.live, live) << "no item was copied";
+  EXPECT_EQ(sorted.GetSubList(stranger, 0, 4), 0) << "another handler never shares";
+  sorted.AssignList(stranger);
+  sorted.AppendList(stranger);
   EXPECT_EQ(stranger.Add(X), -1) << "no handler, no item";
-  EXPECT_EQ(l.GetSubList(l, 1, 2), 2) << "a list may be its own target";
-  EXPECT_EQ(Show(l), "2:b,c");
+  EXPECT_EQ(Show(sorted) + " " + Show(stranger), "4:a,b,c,d 0:");
 }
 
 }  // namespace

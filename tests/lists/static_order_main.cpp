@@ -4,13 +4,9 @@
 #include <gtest/gtest.h>
 #include <kalbor/kalbor.h>
 
-const Ka_AStrList& EarlyWords();
-bool EarlyEmptyItems();
+bool EarlyListsWorked();
 
-TEST(ListStaticOrder, AGlobalOfAnotherUnitMadeListsBeforeMain) {
-  EXPECT_STREQ(static_cast<const char*>(EarlyWords()[2]), "main");
-  EXPECT_TRUE(EarlyEmptyItems());
-}
+TEST(ListStaticOrder, AGlobalOfAnotherUnitMadeListsBeforeMain) { EXPECT_TRUE(EarlyListsWorked()); }
 
 int main(int argc, char** argv) {
   ::testing::InitGoogleTest(&argc, argv);
