@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <string>
+#include <type_traits>
 
 typedef ::testing::Types<Ka_AString, Ka_WString> BothStrings;
 template <class S>
@@ -32,11 +33,10 @@ S Make(const std::string& bytes) {
 // 0xFF shows as <XXXX>.
 template <class S>
 std::string Bytes(const S& s) {
-  const CharOf<S>* p = s;
   std::string out;
+  char hex[8];
   for (int i = 0; i < s.GetLength(); ++i) {
-    const unsigned c = static_cast<unsigned>(p[i]) & (sizeof(CharOf<S>) == 1 ? 0xFFu : 0xFFFFu);
-    char hex[8];
+    const unsigned c = static_cast<std::make_unsigned_t<CharOf<S>>>(static_cast<const CharOf<S>*>(s)[i]);
     std::snprintf(hex, sizeof(hex), "<%04X>", c);
     out += c <= 0xFF ? std::string(1, static_cast<char>(c)) : std::string(hex);
   }
@@ -53,18 +53,12 @@ std::string Formatted(const std::string& format, A... args) {
   return Bytes(s);
 }
 
-// format with each "%S" made the directive of a text of S's own width.
+// The directive of a text of S's own width.
 template <class S>
-std::string Own(std::string format) {
-  const std::string own = sizeof(CharOf<S>) == 1 ? "%hs" : "%s";
-  for (size_t at = format.find("%S"); at != std::string::npos; at = format.find("%S", at + own.size()))
-    format.replace(at, 2, own);
-  return format;
-}
+std::string OwnText() { return sizeof(CharOf<S>) == 1 ? "%hs" : "%s"; }
 
-// Table rows: a format, its arguments (as many ints as the format reads,
-// or one double passed twice, so that a format with two conversions shows
-// both), the text expected.
+// Table rows: a format, its arguments (as many ints as the format reads, or
+// one double passed for every conversion), the text expected.
 struct IntRow { const char* format; int a, b, c; const char* expected; };
 struct DoubleRow { const char* format; double value; const char* expected; };
 
