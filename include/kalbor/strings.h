@@ -128,6 +128,25 @@ struct Ka_StringTraits<ka_wchar> {
   static constexpr bool kReplaceUnshares = false;
 };
 
+// Appends c in place when text (not null) is private, has room and c is not
+// 0; false otherwise, leaving everything as it was. Inline for both classes'
+// operator+=(c), the common case of a loop of appends. The text is taken by
+// value and its header held in a local, so that writing the character does
+// not make the compiler read them again.
+template <class Traits>
+inline bool Ka_AppendInPlace(typename Traits::Char* text, typename Traits::Char c) {
+  if (text == nullptr || c == 0) return false;
+  Ka_BufferData* const data = Ka_BufferData::FromData(text);
+  const int old = Traits::Chars(static_cast<uint32_t>(data->nDataLength));
+  if (old >= Traits::Chars(data->nAllocLength) || old >= Traits::kMaxLength ||
+      ka_interlocked_read(&data->nRefs) > 1)
+    return false;
+  text[old] = c;
+  data->nDataLength = Traits::Stored(old + 1);
+  text[old + 1] = 0;
+  return true;
+}
+
 // The implementation both string classes share (strings/string_ops.h).
 template <class S>
 struct Ka_StringOps;
@@ -214,24 +233,7 @@ class KA_API Ka_AString {
   // Appends s up to its zero; nothing for null or empty s.
   const Ka_AString& operator+=(const char* s);
   // Appends c; the character 0 appends nothing.
-  const Ka_AString& operator+=(char c) {
-    // In place, inline: the common case of a loop of appends. The text and
-    // its header are held in locals, so that writing the character does not
-    // make the compiler read them again.
-    char* const text = m_pchData;
-    if (text != nullptr && c != 0) {
-      Ka_BufferData* const data = Ka_BufferData::FromData(text);
-      const int old = Traits::Chars(static_cast<uint32_t>(data->nDataLength));
-      if (old < Traits::Chars(data->nAllocLength) && old < Traits::kMaxLength &&
-          ka_interlocked_read(&data->nRefs) <= 1) {
-        text[old] = c;
-        data->nDataLength = Traits::Stored(old + 1);
-        text[old + 1] = 0;
-        return *this;
-      }
-    }
-    return _AppendOne(c);
-  }
+  const Ka_AString& operator+=(char c) { return ka_detail::Ka_AppendInPlace<Traits>(m_pchData, c) ? *this : _AppendOne(c); }
   // Releases the text; the string becomes null.
   void Empty() { Release(); }
 
@@ -615,24 +617,7 @@ class KA_API Ka_WString {
   const Ka_WString& operator=(ka_wchar c) { return Set(&c, 1); }
   const Ka_WString& operator+=(const Ka_WString& other);
   const Ka_WString& operator+=(const ka_wchar* s);
-  const Ka_WString& operator+=(ka_wchar c) {
-    // In place, inline: the common case of a loop of appends. The text and
-    // its header are held in locals, so that writing the character does not
-    // make the compiler read them again.
-    ka_wchar* const text = m_pchData;
-    if (text != nullptr && c != 0) {
-      Ka_BufferData* const data = Ka_BufferData::FromData(text);
-      const int old = Traits::Chars(static_cast<uint32_t>(data->nDataLength));
-      if (old < Traits::Chars(data->nAllocLength) && old < Traits::kMaxLength &&
-          ka_interlocked_read(&data->nRefs) <= 1) {
-        text[old] = c;
-        data->nDataLength = Traits::Stored(old + 1);
-        text[old + 1] = 0;
-        return *this;
-      }
-    }
-    return _AppendOne(c);
-  }
+  const Ka_WString& operator+=(ka_wchar c) { return ka_detail::Ka_AppendInPlace<Traits>(m_pchData, c) ? *this : _AppendOne(c); }
   void Empty() { Release(); }
 
   // ---- Code-page bridging (KaToUnicode, kalbor/codepage.h) -------------------
