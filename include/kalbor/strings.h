@@ -54,8 +54,6 @@ namespace ka_detail {
 //   FindTextNoCase   the same with ASCII letters matching either case
 //   FindLast(s, c)   the last c in s, the terminator included; null if none
 //   FindOneOf(s, t)  the first character of s found in t (as ka_strpbrkA)
-//   Count(s, p)      non-overlapping occurrences of the non-empty p in s,
-//                    left to right, before the first zero
 //   Compare(s, p)    Compare's result for the string text s against p
 //   CompareNoCase    ka_stricmpA / ka_stricmpW
 //   Upper, Lower, SwapCase, TrimBrace: the C-string functions of that name
@@ -79,7 +77,6 @@ struct Ka_StringTraits<char> {
   // findable where char is unsigned (ARM).
   static const Char* FindLast(const Char* s, Char c) { return ka_strrchrA(s, static_cast<signed char>(c)); }
   static const Char* FindOneOf(const Char* s, const Char* set) { return ka_strpbrkA(s, set); }
-  static int Count(const Char* s, const Char* p) { return ka_countstrA(s, p); }
   // Null and empty are told apart on purpose (deliberate asymmetries): a null
   // text is below any non-null p, even an empty one; a text starting with a
   // zero is below everything, null included; otherwise an empty or null p
@@ -114,7 +111,6 @@ struct Ka_StringTraits<ka_wchar> {
   static const Char* FindTextNoCase(const Char* s, const Char* p) { return ka_stristrW(s, p); }
   static const Char* FindLast(const Char* s, Char c) { return ka_strrchrW(s, c); }
   static const Char* FindOneOf(const Char* s, const Char* set) { return ka_strpbrkW(s, set); }
-  static int Count(const Char* s, const Char* p) { return ka_countstrW(s, p); }
   // Plain ka_strcmpW, without the narrow class's null and empty rules: a null
   // text equals an empty one (deliberate).
   static int Compare(const Char* s, const Char* p) { return ka_strcmpW(s, p); }
