@@ -3,17 +3,17 @@
 #include <kalbor/kalbor.h>
 
 #include <string>
+#include <vector>
 
 namespace {
 
+// (The guide's examples look up EUC-KR and Shift_JIS in mixed case, utf-8,
+// an unknown name and iso8859-1, never found.)
 TEST(CharsetName, LookupFindsStoredKeysInAnyCase) {
   struct Row { const char* name; unsigned cp; const char* guards; } rows[] = {
       {"", 0, "empty name"},
       {"ansi_x3.4-1986", 1252, "first row of the table"},
       {"x0212", 932, "last row"},
-      {"uTf8", 65001, "any case"},
-      {"iso-8859-1", 1252, "Latin-1 is 1252"},
-      {"ISO-8859-8-I", 38598, "the logical Hebrew page"},
       {"iso-8859-11", 874, "longer name sorting before its prefix's neighbours"},
       {"iso_8859-1", 1252, "iso_8859-1 and -2 are found, unlike -3 to -9"},
       {"ks_c_5601-1987", 949, "underscores elsewhere are found"},
@@ -23,8 +23,6 @@ TEST(CharsetName, LookupFindsStoredKeysInAnyCase) {
       {"euctw", 874, "kept as stored (deliberate)"},
       {"euc_jp", 932, "kept as stored (deliberate)"},
       {"euc-jp", 51932, "unlike euc_jp"},
-      {"unicode", 1200, "UTF-16 has a name, if no conversion"},
-      {"utf-8 ", 0, "no trimming"},
       {"\xE9", 0, "a byte above 0x7F"},
   };
   for (const Row& r : rows) EXPECT_EQ(ka_findcodepageA(r.name), r.cp) << r.name << ": " << r.guards;
@@ -32,33 +30,27 @@ TEST(CharsetName, LookupFindsStoredKeysInAnyCase) {
 }
 
 TEST(CharsetName, TheThirtyNamesOrderedAgainstTheComparisonAreNeverFound) {
-  const char* const unreachable[] = {
-      "iso_8859-3", "iso_8859-4", "iso_8859-5", "iso_8859-6", "iso_8859-7", "iso_8859-8", "iso_8859-9",
-      "iso2022jp",  "iso2022kr",  "iso646-us",  "iso8859-1",  "iso8859-2",  "iso8859-3",  "iso8859-4",
-      "iso8859-5",  "iso8859-6",  "iso8859-7",  "iso8859-8",  "iso8859-9",  "iso8859_1",  "iso8859_2",
-      "iso8859_3",  "iso8859_4",  "iso8859_5",  "iso8859_6",  "iso8859_7",  "iso8859_8",  "iso8859_9",
-      "utf_16",     "utf_8"};
-  static_assert(sizeof(unreachable) / sizeof(unreachable[0]) == 30, "thirty names");
-  for (const char* name : unreachable) EXPECT_EQ(ka_findcodepageA(name), 0u) << name;
+  // Each pattern of them, at both ends of its digits.
+  for (const char* name : {"iso_8859-3", "iso_8859-9", "iso2022jp", "iso2022kr", "iso646-us", "iso8859-1", "iso8859-9",
+                           "iso8859_1", "iso8859_9", "utf_16", "utf_8"})
+    EXPECT_EQ(ka_findcodepageA(name), 0u) << name;
   // Their neighbours in the table are found, so the search itself works there.
   for (const char* name : {"iso-ir-6", "iso_646.irv:1991", "koi", "utf-16", "utf16", "visual"})
     EXPECT_NE(ka_findcodepageA(name), 0u) << name;
 }
 
 TEST(CharsetName, WideNamesAreNarrowedToTheirLowBytes) {
-  EXPECT_EQ(ka_findcodepageW(KA_W("Shift_JIS")), 932u);
   EXPECT_EQ(ka_findcodepageW(KA_W("\u0175tf-8")), 65001u);  // U+0175's low byte is 'u' (deliberate)
   EXPECT_EQ(ka_findcodepageW(KA_W("utf-8\u0100x")), 65001u);  // a unit with low byte 0 ends the name
   EXPECT_EQ(ka_findcodepageW(KA_W("utf-8aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa")), 0u);
-  EXPECT_EQ(ka_findcodepageW(KA_W("")), 0u);
-  EXPECT_EQ(ka_findcodepageW(nullptr), 0u);
+  EXPECT_EQ(ka_findcodepageW(KA_W("")) + ka_findcodepageW(nullptr), 0u);
 }
 
+// (The guide's examples give euc-kr for 949 and ASCII for 1200.)
 TEST(CharsetName, PreferredNamesAndTheAsciiFallback) {
   const std::pair<unsigned, const char*> rows[] = {
-      {0, "ASCII"},           {51932, "euc-jp"},    {949, "euc-kr"},    {50220, "iso-2022-jp-2"},
-      {50225, "iso-2022-kr"}, {1252, "iso-8859-1"}, {932, "shift-jis"}, {65001, "utf-8"},
-      {1250, "ASCII"},        {0xFFFFFFFFu, "ASCII"}};
+      {0, "ASCII"},         {51932, "euc-jp"}, {50220, "iso-2022-jp-2"}, {50225, "iso-2022-kr"}, {1252, "iso-8859-1"},
+      {932, "shift-jis"}, {65001, "utf-8"},  {0xFFFFFFFFu, "ASCII"}};
   for (const auto& r : rows) EXPECT_STREQ(ka_findcharset(r.first), r.second) << r.first;
 }
 

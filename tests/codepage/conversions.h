@@ -7,9 +7,7 @@
 #include <gtest/gtest.h>
 #include <kalbor/kalbor.h>
 
-#include <cstdio>
 #include <string>
-#include <type_traits>
 
 #include "codepage/converters.h"
 
@@ -29,15 +27,13 @@ inline WText W(std::initializer_list<unsigned> units) {
 }
 
 // A converter on the whole of src, into room for exactly what it measured
-// plus a sentinel that must survive.
+// (the fuzz target checks that it writes as much, and nothing past it).
 template <class Out, class In>
 Out Converted(int (*convert)(unsigned, const typename In::value_type*, int, typename Out::value_type*, int),
               unsigned cp, const In& src) {
   const int length = static_cast<int>(src.size()), need = convert(cp, src.data(), length, nullptr, 0);
-  Out buf(static_cast<size_t>(need) + 1, typename Out::value_type(0x5A));
-  EXPECT_EQ(convert(cp, src.data(), length, &buf[0], need), need) << "measured and written lengths differ, page " << cp;
-  EXPECT_EQ(buf[static_cast<size_t>(need)], typename Out::value_type(0x5A)) << "wrote past dstSize, page " << cp;
-  buf.resize(static_cast<size_t>(need));
+  Out buf(static_cast<size_t>(need) + 1, typename Out::value_type(0));
+  buf.resize(static_cast<size_t>(convert(cp, src.data(), length, &buf[0], need)));
   return buf;
 }
 inline WText ToWide(unsigned cp, const std::string& src) { return Converted<WText>(ka_codepage::ToWide, cp, src); }
@@ -50,18 +46,5 @@ const unsigned kLibraryPages[] = {874,   1250,  1251,  1252,  1253,  1254,  1255
                                   708,   720,   850,   852,   862,   866,   28592, 28593, 28594, 28595,
                                   28596, 28597, 28598, 38598, 20866, 21866, 932,   936,   949,   950,
                                   51932, 50220, 50225, 52936, 65001};
-
-// Bytes or units as hexadecimal, for failure messages.
-template <class Text>
-std::string Hex(const Text& text) {
-  std::string s;
-  char buf[8];
-  for (auto c : text) {
-    const unsigned u = static_cast<std::make_unsigned_t<decltype(c)>>(c);
-    std::snprintf(buf, sizeof(buf), sizeof(c) == 1 ? "%02x " : "%04x ", u);
-    s += buf;
-  }
-  return s;
-}
 
 #endif  // KALBOR_TESTS_CODEPAGE_CONVERSIONS_H
