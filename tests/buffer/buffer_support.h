@@ -39,10 +39,7 @@ inline Ka_Buffer Make<Ka_Buffer>(const std::string& bytes) { return MakeBuffer(b
 
 // What a buffer or string holds over its length, one byte per element
 // (wide characters above 0xFF are read one by one where they occur).
-inline std::string Text(const Ka_Buffer& b) {
-  const char* p = b;
-  return std::string(p, p + b.GetLength());
-}
+inline std::string Text(const Ka_Buffer& b) { return std::string(b.GetPtr(0), b.GetPtr(b.GetLength())); }
 template <class S>
 std::string Text(const S& s) {
   const CharOf<S>* p = s;
@@ -50,8 +47,7 @@ std::string Text(const S& s) {
 }
 
 inline int Refs(const Ka_Buffer& b) {
-  const unsigned char* p = b;
-  return p != nullptr ? ka_interlocked_read(&Ka_BufferData::FromData(p)->nRefs) : 0;
+  return b.GetPtr(0) != nullptr ? ka_interlocked_read(&Ka_BufferData::FromData(b.GetPtr(0))->nRefs) : 0;
 }
 
 // The invariant: empty, or a block whose length fits its capacity, owned at
@@ -89,15 +85,5 @@ std::unique_ptr<C[]> Exact(const std::basic_string<C>& text) {
   std::copy(text.begin(), text.end(), p.get());
   return p;
 }
-
-// The locale code page set for one test, restored afterwards.
-class LocaleCodePage {
- public:
-  explicit LocaleCodePage(unsigned int cp) : m_old(KaSetLocaleCP(cp)) {}
-  ~LocaleCodePage() { KaSetLocaleCP(m_old); }
-
- private:
-  unsigned int m_old;
-};
 
 #endif  // KALBOR_TESTS_BUFFER_BUFFER_SUPPORT_H
