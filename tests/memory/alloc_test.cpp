@@ -1,10 +1,12 @@
 // Routing of sizes to the nine size-class pools and the heap, the block
 // layout figures of those pools, the exported allocation functions and the
-// byte helpers.
+// byte helpers. Allocation, sharing and release from many threads at once
+// are the stress test's (under ThreadSanitizer in the tsan build).
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <cstring>
+#include <tuple>
 
 #include "memory/block_chain.h"
 
@@ -16,15 +18,13 @@ TEST(SizeClass, GroupsArePowersOfTwoFrom32To8192ThenMultiplesOf8192) {
   struct { int size; unsigned int group; } cases[] = {
       {0, 0},                  // empty asks for nothing
       {INT_MIN, 32},           // negative sizes take the smallest group
-      {1, 32},       {32, 32},     {33, 64},
-      {4097, 8192},  {8192, 8192},  // the largest pool
-      {8193, 16384},           // heap blocks: multiples of 8192
-      {16385, 24576},
       {INT_MAX, 2147483648u},  // rounding up does not overflow
   };
   for (auto& c : cases) EXPECT_EQ(Ka_BufferPool::GetBufferGroup(c.size), c.group) << c.size;
-  for (int size = 33, group = 64; size <= 8192; ++size) {  // between the rows: the next power of two
-    if (size > group) group *= 2;
+  // Every size from 1 on: the next power of two from 32 to the largest pool,
+  // then the next multiple of 8192 for heap blocks.
+  for (int size = 1, group = 32; size <= 40000; ++size) {
+    if (size > group) group = group < 8192 ? group * 2 : group + 8192;
     ASSERT_EQ(Ka_BufferPool::GetBufferGroup(size), unsigned(group)) << size;
   }
 }
@@ -32,22 +32,20 @@ TEST(SizeClass, GroupsArePowersOfTwoFrom32To8192ThenMultiplesOf8192) {
 TEST(SizeClass, PoolsHaveTheDocumentedShape) {
   // Units per block of each pool, and the bytes of one block on the device's
   // 32-bit layout: a 12-byte block header, each unit a 12-byte header, its
-  // capacity and 4 extra bytes.
+  // capacity and 4 extra bytes. On 64-bit the block header is 24 bytes, a
+  // unit header 16, and each unit is padded so the next unit's data stays
+  // 8-byte aligned.
   struct { unsigned int unit; int perBlock; unsigned int deviceBytes; } pools[] = {
       {32, 256, 12300},  {64, 256, 20492},   {128, 128, 18444},
       {256, 64, 17420},  {512, 64, 33804},   {1024, 32, 33292},
       {2048, 32, 66060}, {4096, 16, 65804},  {8192, 16, 131340},
   };
   for (int i = 0; i < 9; ++i) {
-    Ka_BufferPool& pool = ka_detail::SizeClassPool(i);
-    EXPECT_EQ(pool.GetAllocSize(), pools[i].unit);
-    EXPECT_EQ(pool.GetUnitsPerBlock(), pools[i].perBlock);
-    // On 64-bit the block header is 24 bytes, a unit header 16, and each unit
-    // is padded so the next unit's data stays 8-byte aligned.
-    const unsigned int expected =
-        sizeof(void*) == 4 ? pools[i].deviceBytes
-                           : 24 + pools[i].perBlock * ((16 + pools[i].unit + 4 + 7) / 8 * 8);
-    EXPECT_EQ(pool.GetBlockBytes(), expected) << pools[i].unit;
+    const Ka_BufferPool& pool = ka_detail::SizeClassPool(i);
+    const unsigned int bytes = sizeof(void*) == 4 ? pools[i].deviceBytes
+                                                  : 24 + pools[i].perBlock * ((16 + pools[i].unit + 4 + 7) / 8 * 8);
+    EXPECT_EQ(std::make_tuple(pool.GetAllocSize(), pool.GetUnitsPerBlock(), pool.GetBlockBytes()),
+              std::make_tuple(pools[i].unit, pools[i].perBlock, bytes));
   }
 }
 
@@ -70,25 +68,14 @@ TEST(KaMalloc, EverySizeGetsABlockOfItsGroupThroughBothEntryPoints) {
   ka_free(nullptr);  // ignored
 }
 
-TEST(KaMalloc, FreesLeaveThePoolsAsTheyFoundThemAndKeepTheRulesForSharedBlocks) {
-  // Each freed unit must stop counting as used, or every 256 pairs would
-  // strand a block.
-  Ka_BufferPool& pool32 = ka_detail::SizeClassPool(0);
-  void* warm = _ka_malloc(8);  // keeps the head block for the counts below
-  const int blocks = pool32.GetBlockCount();
-  const int used = pool32.GetHeadBlock()->used;
-  for (int i = 0; i < 100000; ++i) ka_free(_ka_malloc(1 + i % 32));
-  EXPECT_EQ(pool32.GetBlockCount(), blocks);
-  EXPECT_EQ(pool32.GetHeadBlock()->used, used);
+TEST(KaMalloc, FreeMarksABlockFreeWhateverItsCount) {
+  // That every free gives its unit back is the stress test's count of the
+  // pools' units; the used-count rules of odd frees are the model test's.
   void* shared = _ka_malloc(8);
   Header(shared)->AddRef();  // another owner still holds it
-  ka_free(shared);           // marked free; its block goes on counting it
+  ka_free(shared);           // marked free; as for any free at a positive count, its block goes on counting it
   EXPECT_EQ(Header(shared)->nRefs, -1);
-  EXPECT_EQ(pool32.GetHeadBlock()->used, used + 1);
-  ka_free(shared);  // and a second free changes nothing more
-  EXPECT_EQ(pool32.GetHeadBlock()->used, used + 1);
-  ka_free(warm);
-  EXPECT_TRUE(pool32.Validate());
+  EXPECT_TRUE(ka_detail::SizeClassPool(0).Validate());
 }
 
 TEST(KaRealloc, GrowsKeepsTheWholeCapacityAndNeverShrinks) {
@@ -118,10 +105,8 @@ TEST(KaMemccpy, StopsBeforeTheStopByteComparedAsSignedChar) {
   for (auto& c : cases) {
     char dst[16];
     std::memset(dst, '#', sizeof(dst));
-    void* end = ka_memccpy(dst, src, c.stop, c.count);
-    EXPECT_EQ(static_cast<char*>(end) - dst, c.copied) << c.stop << "/" << c.count;
-    EXPECT_EQ(std::memcmp(dst, src, c.copied), 0);
-    EXPECT_EQ(dst[c.copied], '#');  // the stop byte itself is not copied
+    ASSERT_EQ(static_cast<char*>(ka_memccpy(dst, src, c.stop, c.count)) - dst, c.copied) << c.stop << "/" << c.count;
+    EXPECT_EQ(std::string(dst, c.copied + 1), std::string(src, c.copied) + '#') << "the stop byte itself is not copied";
   }
   char dst[4];
   EXPECT_EQ(ka_memccpy(nullptr, src, 0, 4), nullptr);

@@ -5,19 +5,10 @@
 
 #include <kalbor/kalbor.h>
 
-#include <vector>
-
-// A Ka_BufferPool that shows its protected chain queries to the tests.
-struct OpenBufferPool : Ka_BufferPool {
-  using Ka_BufferPool::Ka_BufferPool;
-  using Ka_BufferPool::GetFreeDataBlock;
-  using Ka_BufferPool::GetLastDataBlock;
-};
-
 // A Ka_BufferPool of 32-byte units.
 struct BufferPoolKind {
   typedef Ka_BufferPool::Ka_Plexus Block;
-  OpenBufferPool pool;
+  Ka_BufferPool pool;
   explicit BufferPoolKind(int perBlock) : pool(32, perBlock) {}
   void* Alloc() { return pool.Alloc(); }
   void Free(void* u) { pool.Free(static_cast<Ka_BufferData*>(u)); }
@@ -52,13 +43,6 @@ int BlockOrdinal(Kind& k, void* u, size_t blockBytes) {
     if (at >= start && at < start + blockBytes) return ordinal;
   }
   return -1;
-}
-
-// Gives a unit back the way the classes do: the last owner's count reaches 0 first.
-template <class Kind>
-void Release(Kind& k, void* u) {
-  Kind::Count(u) = 0;
-  k.Free(u);
 }
 
 #endif  // KALBOR_TESTS_MEMORY_POOL_KINDS_H

@@ -1,10 +1,14 @@
 // The pools' index must hand out exactly the units the plain chain walk
 // would: a literal model of that walk runs beside each pool kind through a
 // long random mix of allocations, normal frees, second frees and frees at a
-// positive count, and every answer is compared.
+// positive count, and every answer is compared. After every step the pool
+// must pass its own walk of the chain links and index (Validate), and a
+// reused unit must still hold the bytes its last owner left in it.
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstring>
+#include <iterator>
 #include <map>
 #include <random>
 #include <vector>
@@ -40,7 +44,6 @@ class ChainModel {
   }
 
   void SetCount(int block, int unit, int count) { m_blocks[block].counts[unit] = count; }
-  int Count(int block, int unit) const { return m_blocks[block].counts[unit]; }
   int Used(int block) const { return m_blocks[block].used; }
   int Blocks() const { return static_cast<int>(m_blocks.size()); }
 
@@ -64,10 +67,12 @@ TYPED_TEST(PoolMatchesChainWalk, EveryAnswerAgreesThroughARandomMix) {
   for (int perBlock : {1, 3, 8, 64, 70}) {  // one unit, odd, a word, past a word
     TypeParam k(perBlock);
     ChainModel model(perBlock);
+    ASSERT_EQ(k.Head(), nullptr) << "no block before the first Alloc";
     const size_t bytes = k.pool.GetBlockBytes();
     const size_t stride = (bytes - sizeof(typename TypeParam::Block)) / static_cast<size_t>(perBlock);
     std::vector<void*> live;   // units the test holds
     std::vector<void*> freed;  // units the test gave back, maybe reused since
+    std::map<void*, int> mark;  // the step that last took each unit, as written into it
     std::mt19937 rng(12345u + static_cast<unsigned>(perBlock));
 
     // Where a unit stands in the chain now (blocks move as others go).
@@ -92,18 +97,22 @@ TYPED_TEST(PoolMatchesChainWalk, EveryAnswerAgreesThroughARandomMix) {
       if (live.empty() || (roll < 55 && live.size() < size_t(perBlock) * 5)) {
         void* u = k.Alloc();
         ASSERT_NE(u, nullptr);
-        const std::pair<int, int> expected = model.Alloc();
-        ASSERT_EQ(locate(u), expected) << "step " << step << ", " << perBlock << " per block";
+        ASSERT_EQ(locate(u), model.Alloc()) << "step " << step << ", " << perBlock << " per block";
         live.push_back(u);
         for (size_t i = 0; i < freed.size(); ++i)
           if (freed[i] == u) freed.erase(freed.begin() + static_cast<long>(i--));
+        // Each owner leaves its step number behind; a reused unit keeps it.
+        ASSERT_TRUE(mark.count(u) == 0 || std::memcmp(TypeParam::Room(u), &mark[u], sizeof(int)) == 0) << step;
+        std::memcpy(TypeParam::Room(u), &(mark[u] = step), sizeof(int));
       } else if (roll < 95 || freed.empty()) {
         const size_t pick = rng() % live.size();
         void* u = live[pick];
         freeBoth(u, roll < 90 ? 0 : 2);  // the normal free, or one at a positive count
         live.erase(live.begin() + static_cast<long>(pick));
-        // A block that went away took its units with it.
+        // A block that went away took its units, and what they held, with it.
         if (BlockOrdinal(k, u, bytes) >= 0) freed.push_back(u);
+        for (auto it = mark.begin(); it != mark.end() && BlockOrdinal(k, u, bytes) < 0;)
+          it = BlockOrdinal(k, it->first, bytes) < 0 ? mark.erase(it) : std::next(it);
       } else {
         const size_t pick = rng() % freed.size();
         void* u = freed[pick];
@@ -115,7 +124,7 @@ TYPED_TEST(PoolMatchesChainWalk, EveryAnswerAgreesThroughARandomMix) {
       }
       ASSERT_EQ(k.Blocks(), model.Blocks()) << "step " << step;
       ASSERT_EQ(k.Head()->used, model.Used(0)) << "step " << step;
+      ASSERT_TRUE(k.Valid()) << "step " << step;
     }
-    EXPECT_TRUE(k.Valid());
   }
 }
