@@ -7,10 +7,7 @@
 #include <cstdio>
 #include <string>
 
-struct Civil {
-  int64_t y;
-  int m, d;
-};
+struct Civil { int64_t y; int m, d; };
 
 inline int64_t DaysFromCivil(int64_t y, int m, int d) {
   y -= m <= 2;
@@ -21,31 +18,25 @@ inline int64_t DaysFromCivil(int64_t y, int m, int d) {
   return era * 146097 + doe - 719468;
 }
 
-inline Civil CivilFromDays(int64_t z) {
-  z += 719468;
-  const int64_t era = (z >= 0 ? z : z - 146096) / 146097;
-  const int64_t doe = z - era * 146097;
-  const int64_t yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
-  const int64_t doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
-  const int64_t mp = (5 * doy + 2) / 153;
-  const int d = static_cast<int>(doy - (153 * mp + 2) / 5 + 1);
-  const int m = static_cast<int>(mp < 10 ? mp + 3 : mp - 9);
-  return Civil{yoe + era * 400 + (m <= 2), m, d};
-}
-
 // The library's day number: 1 for 0001-01-01.
 inline int64_t DayNumber(int64_t y, int m, int d) { return DaysFromCivil(y, m, d) - DaysFromCivil(1, 1, 1) + 1; }
-inline Civil FromDayNumber(int64_t n) { return CivilFromDays(n - 1 + DaysFromCivil(1, 1, 1)); }
 
-inline int DaysInMonth(int64_t y, int m) {
-  return static_cast<int>(DaysFromCivil(m == 12 ? y + 1 : y, m == 12 ? 1 : m + 1, 1) - DaysFromCivil(y, m, 1));
+// The date of day number n: the year and month whose first days it does not
+// precede, stepped to from an estimate within a year of it.
+inline Civil FromDayNumber(int64_t n) {
+  Civil c{(n - 1) * 400 / 146097 + 1, 1, 1};
+  while (DayNumber(c.y + 1, 1, 1) <= n) ++c.y;
+  while (DayNumber(c.y, 1, 1) > n) --c.y;
+  while (c.m < 12 && DayNumber(c.y, c.m + 1, 1) <= n) ++c.m;
+  return Civil{c.y, c.m, static_cast<int>(n - DayNumber(c.y, c.m, 1) + 1)};
 }
 
+inline int DaysInMonth(int64_t y, int m) { return static_cast<int>(DayNumber(y + m / 12, m % 12 + 1, 1) - DayNumber(y, m, 1)); }
+
 // "%04d%02d%02d", as the C library writes it.
-inline std::string DateText(int64_t y, int64_t m, int64_t d) {
+inline std::string DateText(long long y, long long m, long long d) {
   char buf[64];
-  std::snprintf(buf, sizeof(buf), "%04lld%02lld%02lld", static_cast<long long>(y), static_cast<long long>(m),
-                static_cast<long long>(d));
+  std::snprintf(buf, sizeof(buf), "%04lld%02lld%02lld", y, m, d);
   return buf;
 }
 
