@@ -5,7 +5,7 @@
 
 namespace ka_codepage {
 namespace {
-#include "codepage/tables.inc"
+#include "codepage/tables_generated.inc"
 
 const SbcsTable kSbcs[kSbcsPageCount] = {
     {kSbcsHigh[0], kSbcsTop[0]},   {kSbcsHigh[1], kSbcsTop[1]},   {kSbcsHigh[2], kSbcsTop[2]},

@@ -1,8 +1,8 @@
 // The conversion tables of the table-based code pages (internal).
 //
-// The data come from codepage/tables.inc, generated from the system's own
-// conversions (see tools/codepage/gen_tables.py, which also describes the
-// model these accessors implement). Bytes and units below 0x80 are
+// The data come from codepage/tables_generated.inc, generated from the
+// system's own conversions (see tools/codepage/gen_tables.py, which also
+// describes the model these accessors implement). Bytes and units below 0x80 are
 // themselves in every page; the accessors take only the rest.
 #ifndef KALBOR_CODEPAGE_TABLES_H
 #define KALBOR_CODEPAGE_TABLES_H

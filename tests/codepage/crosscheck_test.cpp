@@ -1,7 +1,8 @@
 // The stateful and EUC pages beside an independent implementation: every
 // character of JIS X 0208, JIS X 0212, KS X 1001 and GB 2312 as Python's
-// codecs decode and encode it (tests/codepage/crosscheck_data.inc, written by
-// tools/codepage/gen_crosscheck.py), and mixed texts in both directions.
+// codecs decode and encode it (tests/codepage/crosscheck_table_generated.inc,
+// written by tools/codepage/gen_crosscheck.py), and mixed texts in both
+// directions.
 // Where the library follows the repertoire of a Windows page and Python the
 // national standard's own mapping, the difference is listed here, with its
 // reason; any other difference fails.
@@ -18,7 +19,7 @@ struct CrossSample {
   const char* bytes;
   int length;
 };
-#include "tests/codepage/crosscheck_data.inc"
+#include "tests/codepage/crosscheck_table_generated.inc"
 
 typedef std::string (*Wrap)(unsigned j1, unsigned j2);
 std::string Jis(unsigned a, unsigned b) { return std::string("\x1B$B") + char(a) + char(b) + "\x1B(B"; }

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Writes tests/codepage/crosscheck_data.inc: what Python's own codecs
-(iso2022_jp, iso2022_kr, hz, euc_jp), an implementation independent of
+"""Writes tests/codepage/crosscheck_table_generated.inc: what Python's own
+codecs (iso2022_jp, iso2022_kr, hz, euc_jp), an implementation independent of
 Kalbor400U's, make of the character sets behind code pages 50220, 50225,
 52936 and 51932, for the tests to compare the library's converters with.
 

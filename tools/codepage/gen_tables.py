@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""Builds codepage/tables.inc, the conversion tables of Kalbor400U's table-based
-code pages, from the output of tools/codepage/dump_windows_tables.cpp (the
-system's MultiByteToWideChar and WideCharToMultiByte, flags 0, for every
-byte, lead-byte pair and 16-bit unit), and the half-width katakana table from
+"""Builds codepage/tables_generated.inc, the conversion tables of Kalbor400U's
+table-based code pages, from the output of
+tools/codepage/dump_windows_tables.cpp (the system's MultiByteToWideChar and
+WideCharToMultiByte, flags 0, for every byte, lead-byte pair and 16-bit
+unit), and the half-width katakana table from
 the Unicode Character Database (<narrow> decompositions, Python's
 unicodedata).
 
