@@ -8,54 +8,18 @@
 
 #include <cstdint>
 #include <cstring>
-#include <iterator>
-#include <map>
 #include <random>
 #include <vector>
 
 #include "memory/pool_kinds.h"
 
 namespace {
-
-// The chain as the walk sees it: blocks in chain order, each with its used
-// count and the count word of every unit.
-class ChainModel {
- public:
-  explicit ChainModel(int perBlock) : m_perBlock(perBlock) {}
-
-  // (block position, unit index) of the unit Alloc takes.
-  std::pair<int, int> Alloc() {
-    size_t b = 0;
-    while (b < m_blocks.size() && m_blocks[b].used >= m_perBlock) ++b;
-    if (b == m_blocks.size()) m_blocks.push_back(Block{0, std::vector<int>(m_perBlock, -1)});
-    std::vector<int>& counts = m_blocks[b].counts;
-    int u = 0;
-    while (counts[u] >= 0) ++u;
-    counts[u] = 1;
-    ++m_blocks[b].used;
-    return {static_cast<int>(b), u};
-  }
-
-  void Free(int block, int unit) {
-    Block& b = m_blocks[block];
-    const int old = b.counts[unit];
-    b.counts[unit] = -1;
-    if (old == 0 && --b.used == 0 && block != 0) m_blocks.erase(m_blocks.begin() + block);
-  }
-
-  void SetCount(int block, int unit, int count) { m_blocks[block].counts[unit] = count; }
-  int Used(int block) const { return m_blocks[block].used; }
-  int Blocks() const { return static_cast<int>(m_blocks.size()); }
-
- private:
-  struct Block {
-    int used;
-    std::vector<int> counts;
-  };
-  int m_perBlock;
-  std::vector<Block> m_blocks;
+// A block as the walk sees it: its used count, and the count word and the
+// last owner's mark (-1: none yet) of every unit.
+struct ModelBlock {
+  int used;
+  std::vector<int> counts, marks;
 };
-
 }  // namespace
 
 template <class Kind>
@@ -64,67 +28,75 @@ typedef ::testing::Types<BufferPoolKind, ObjPoolKind> PoolKinds;
 TYPED_TEST_SUITE(PoolMatchesChainWalk, PoolKinds);
 
 TYPED_TEST(PoolMatchesChainWalk, EveryAnswerAgreesThroughARandomMix) {
+  typedef typename TypeParam::Unit Unit;
   for (int perBlock : {1, 3, 8, 64, 70}) {  // one unit, odd, a word, past a word
     TypeParam k(perBlock);
-    ChainModel model(perBlock);
-    ASSERT_EQ(k.Head(), nullptr) << "no block before the first Alloc";
-    const size_t bytes = k.pool.GetBlockBytes();
-    const size_t stride = (bytes - sizeof(typename TypeParam::Block)) / static_cast<size_t>(perBlock);
-    std::vector<void*> live;   // units the test holds
-    std::vector<void*> freed;  // units the test gave back, maybe reused since
-    std::map<void*, int> mark;  // the step that last took each unit, as written into it
+    std::vector<ModelBlock> model;  // in chain order
+    ASSERT_EQ(k.GetHeadBlock(), nullptr) << "no block before the first Alloc";
+    const size_t stride = (k.GetBlockBytes() - sizeof(ka_detail::Ka_BlockHeader)) / size_t(perBlock);
+    std::vector<Unit*> live;   // units the test holds
+    std::vector<Unit*> freed;  // units the test gave back, maybe gone or reused since
     std::mt19937 rng(12345u + static_cast<unsigned>(perBlock));
 
-    // Where a unit stands in the chain now (blocks move as others go).
-    auto locate = [&](void* u) {
-      const int block = BlockOrdinal(k, u, bytes);
-      typename TypeParam::Block* b = k.Head();
-      for (int i = 0; i < block; ++i) b = b->next;
-      const size_t offset = static_cast<unsigned char*>(u) - reinterpret_cast<unsigned char*>(b + 1);
-      return std::make_pair(block, static_cast<int>(offset / stride));
+    // Where a unit stands in the chain now (blocks move as others go): its
+    // block's position, -1 when that block is gone, and its index.
+    auto locate = [&](Unit* u) {
+      int block = 0;
+      for (ka_detail::Ka_BlockHeader* b = k.GetHeadBlock(); b != nullptr; b = b->next, ++block) {
+        const uintptr_t offset = reinterpret_cast<uintptr_t>(u) - reinterpret_cast<uintptr_t>(b + 1);
+        if (offset < perBlock * stride) return std::make_pair(block, static_cast<int>(offset / stride));
+      }
+      return std::make_pair(-1, 0);
     };
-    auto freeBoth = [&](void* u, int count) {
+    // The walk: the lowest free unit of the earliest block with room.
+    auto modelAlloc = [&] {
+      size_t b = 0;
+      while (b < model.size() && model[b].used == perBlock) ++b;
+      const std::vector<int> none(perBlock, -1);
+      if (b == model.size()) model.push_back(ModelBlock{0, none, none});
+      int u = 0;
+      while (model[b].counts[u] >= 0) ++u;
+      model[b].counts[u] = 1;
+      ++model[b].used;
+      return std::make_pair(static_cast<int>(b), u);
+    };
+    // Only a free at count 0 lowers the used count; an empty block but the head goes.
+    auto freeBoth = [&](Unit* u, int count) {
       const std::pair<int, int> at = locate(u);
       TypeParam::Count(u) = count;
-      model.SetCount(at.first, at.second, count);
       k.Free(u);
-      model.Free(at.first, at.second);
+      model[at.first].counts[at.second] = -1;
+      if (count == 0 && --model[at.first].used == 0 && at.first != 0) model.erase(model.begin() + at.first);
     };
 
     for (int step = 0; step < 4000; ++step) {
       const unsigned roll = rng() % 100;
       // Grow towards a few blocks' worth, then churn around it.
       if (live.empty() || (roll < 55 && live.size() < size_t(perBlock) * 5)) {
-        void* u = k.Alloc();
+        Unit* u = k.Alloc();
         ASSERT_NE(u, nullptr);
-        ASSERT_EQ(locate(u), model.Alloc()) << "step " << step << ", " << perBlock << " per block";
+        const std::pair<int, int> at = modelAlloc();
+        ASSERT_EQ(locate(u), at) << "step " << step << ", " << perBlock << " per block";
         live.push_back(u);
-        for (size_t i = 0; i < freed.size(); ++i)
-          if (freed[i] == u) freed.erase(freed.begin() + static_cast<long>(i--));
         // Each owner leaves its step number behind; a reused unit keeps it.
-        ASSERT_TRUE(mark.count(u) == 0 || std::memcmp(TypeParam::Room(u), &mark[u], sizeof(int)) == 0) << step;
-        std::memcpy(TypeParam::Room(u), &(mark[u] = step), sizeof(int));
+        int& mark = model[at.first].marks[at.second];
+        ASSERT_TRUE(mark < 0 || std::memcmp(TypeParam::Room(u), &mark, sizeof(int)) == 0) << step;
+        std::memcpy(TypeParam::Room(u), &(mark = step), sizeof(int));
       } else if (roll < 95 || freed.empty()) {
         const size_t pick = rng() % live.size();
-        void* u = live[pick];
-        freeBoth(u, roll < 90 ? 0 : 2);  // the normal free, or one at a positive count
+        freed.push_back(live[pick]);
         live.erase(live.begin() + static_cast<long>(pick));
-        // A block that went away took its units, and what they held, with it.
-        if (BlockOrdinal(k, u, bytes) >= 0) freed.push_back(u);
-        for (auto it = mark.begin(); it != mark.end() && BlockOrdinal(k, u, bytes) < 0;)
-          it = BlockOrdinal(k, it->first, bytes) < 0 ? mark.erase(it) : std::next(it);
+        freeBoth(freed.back(), roll < 90 ? 0 : 2);  // the normal free, or one at a positive count
       } else {
         const size_t pick = rng() % freed.size();
-        void* u = freed[pick];
-        if (BlockOrdinal(k, u, bytes) < 0 || TypeParam::Count(u) != -1) {  // gone, or reused
-          freed.erase(freed.begin() + static_cast<long>(pick));
-          continue;
-        }
-        freeBoth(u, -1);  // a second free
+        Unit* u = freed[pick];
+        freed.erase(freed.begin() + static_cast<long>(pick));
+        if (locate(u).first >= 0 && TypeParam::Count(u) == -1) freeBoth(u, -1);  // a second free, if not gone or reused
       }
-      ASSERT_EQ(k.Blocks(), model.Blocks()) << "step " << step;
-      ASSERT_EQ(k.Head()->used, model.Used(0)) << "step " << step;
-      ASSERT_TRUE(k.Valid()) << "step " << step;
+      std::vector<int> used, modelUsed;  // each block's used count, in chain order
+      for (ka_detail::Ka_BlockHeader* b = k.GetHeadBlock(); b != nullptr; b = b->next) used.push_back(b->used);
+      for (const ModelBlock& b : model) modelUsed.push_back(b.used);
+      ASSERT_EQ(std::make_pair(used, k.Validate()), std::make_pair(modelUsed, 1)) << "step " << step;
     }
   }
 }
