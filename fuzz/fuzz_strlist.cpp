@@ -12,12 +12,6 @@
 
 namespace {
 
-struct Options {
-  bool sorted, nullDelimiters;
-  char escape;
-  int mode, quotes, strip, drop, brackets;
-};
-
 // The fields of text (up to its zero) when each run of delimiters ends one
 // field, the first one too, and a field left at the end counts when it is
 // not empty.
@@ -36,41 +30,38 @@ std::vector<std::basic_string<C>> Split(const std::basic_string<C>& text, const 
   return fields;
 }
 
-template <class L, class C>
-void Run(const Options& o, const std::basic_string<C>& delimiters, const std::basic_string<C>& text) {
-  L list(o.sorted ? 1 : 0);
-  const int n = list.Parse(text.c_str(), o.nullDelimiters ? nullptr : delimiters.c_str(), o.escape, o.mode, o.quotes,
-                           o.strip, o.drop, o.brackets);
-  Check(n == list.Count() && list.Validate() == 1, "Parse broke the list");
-  bool plain = !o.sorted && !o.nullDelimiters && !delimiters.empty() && o.escape == 0 && o.mode == 1 &&
-               o.quotes == 0 && o.brackets == 0;
-  for (C c : text + delimiters) plain = plain && static_cast<unsigned>(c) < 0x80;
-  if (!plain) return;
-  const auto fields = Split(text, delimiters.substr(0, delimiters.find(C(0))));
-  Check(fields.size() == static_cast<size_t>(n), "Parse gave another field count than a split");
-  for (int i = 0; i < n; ++i) Check(Holds(list[i], fields[static_cast<size_t>(i)]), "Parse gave another field");
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   FuzzedDataProvider in(data, size);
-  Options o;
-  o.sorted = in.ConsumeBool();
-  o.nullDelimiters = in.ConsumeBool();
-  o.escape = in.ConsumeIntegral<char>();
+  const bool sorted = in.ConsumeBool(), nullDelimiters = in.ConsumeBool();
+  const char escape = in.ConsumeIntegral<char>();
   // Small values are the meaningful ones; any other is a non-zero flag.
-  o.mode = in.ConsumeIntegralInRange(-1, 2);
-  o.quotes = in.ConsumeIntegralInRange(-1, 1);
-  o.strip = in.ConsumeIntegralInRange(-1, 1);
-  o.drop = in.ConsumeIntegralInRange(-1, 1);
-  o.brackets = in.ConsumeIntegralInRange(-1, 1);
+  const int mode = in.ConsumeIntegralInRange(-1, 2), quotes = in.ConsumeIntegralInRange(-1, 1);
+  const int strip = in.ConsumeIntegralInRange(-1, 1), drop = in.ConsumeIntegralInRange(-1, 1);
+  const int brackets = in.ConsumeIntegralInRange(-1, 1);
   const bool wide = in.ConsumeBool();
-  const std::string delimiters = in.ConsumeRandomLengthString(8);
-  const std::string text = in.ConsumeRemainingBytesAsString();
+  const std::string delimiterBytes = in.ConsumeRandomLengthString(8), textBytes = in.ConsumeRemainingBytesAsString();
+
+  auto run = [&](auto& list, auto unit) {
+    typedef decltype(unit) C;
+    const std::basic_string<C> delimiters = Units<C>(delimiterBytes), text = Units<C>(textBytes);
+    const int n = list.Parse(text.c_str(), nullDelimiters ? nullptr : delimiters.c_str(), escape, mode, quotes, strip,
+                             drop, brackets);
+    Check(n == list.Count() && list.Validate() == 1, "Parse broke the list");
+    bool plain = !sorted && !nullDelimiters && !delimiters.empty() && escape == 0 && mode == 1 && quotes == 0 &&
+                 brackets == 0;
+    for (C c : text + delimiters) plain = plain && static_cast<unsigned>(c) < 0x80;
+    if (!plain) return;
+    const auto fields = Split(text, delimiters.substr(0, delimiters.find(C(0))));
+    Check(fields.size() == static_cast<size_t>(n), "Parse gave another field count than a split");
+    for (int i = 0; i < n; ++i) Check(Text(list[i]) == fields[static_cast<size_t>(i)], "Parse gave another field");
+  };
+  Ka_AStrList narrowList(sorted ? 1 : 0);
+  Ka_WStrList wideList(sorted ? 1 : 0);
   if (wide)
-    Run<Ka_WStrList>(o, Wide(delimiters), Wide(text));
+    run(wideList, ka_wchar());
   else
-    Run<Ka_AStrList>(o, delimiters, text);
+    run(narrowList, char());
   return 0;
 }
