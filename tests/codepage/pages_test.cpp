@@ -7,8 +7,6 @@
 // windows_compare_test.cpp (the mingw CI target).
 #include "tests/codepage/conversions.h"
 
-namespace {
-
 TEST(PageDecoding, BytesGiveTheSystemsUnits) {
   const struct { unsigned cp; std::string bytes; WText units; const char* guards; } rows[] = {
       {38598, "\xE0\xFA", W({0x05D0, 0x05EA}), "38598 converts as 28598"},
@@ -53,5 +51,3 @@ TEST(PageEncoding, UnitsGiveTheSystemsBytes) {
   };
   for (const auto& r : rows) EXPECT_EQ(ToNarrow(r.cp, r.units), r.bytes) << r.cp << ": " << r.guards;
 }
-
-}  // namespace
