@@ -5,18 +5,12 @@
 
 namespace {
 struct EarlyStrings {
-  Ka_AString narrow;
-  Ka_WString* wide;
-  bool nullWasEmpty;
-  EarlyStrings() : narrow("made before main"), wide(new Ka_WString(KA_W("wide, before main"))) {
-    nullWasEmpty = Ka_AString::_KaNullString.GetData() == nullptr && Ka_WString::_KaNullString.GetData() == nullptr;
-    narrow += Ka_AString(Ka_AString::_KaNullString);
-  }
+  Ka_AString narrow = Ka_AString("made before main") + Ka_AString(Ka_AString::_KaNullString);
+  Ka_WString* wide = new Ka_WString(KA_W("wide, before main"));
+  bool nullWasEmpty = Ka_AString::_KaNullString.GetData() == nullptr && Ka_WString::_KaNullString.GetData() == nullptr;
   ~EarlyStrings() {
     // Still allowed to build, share, allocate and free after main has returned.
-    Ka_AString late = narrow + ", gone after main";
-    Ka_AString* object = new Ka_AString(late);
-    delete object;
+    delete new Ka_AString(narrow + ", gone after main");
     Ka_WString copy(Ka_WString::_KaNullString);
     copy += *wide;
     delete wide;
@@ -25,6 +19,8 @@ struct EarlyStrings {
 EarlyStrings g_early;
 }  // namespace
 
-const Ka_AString& EarlyNarrow() { return g_early.narrow; }
-const Ka_WString* EarlyWide() { return g_early.wide; }
-bool EarlyNullWasEmpty() { return g_early.nullWasEmpty; }
+// What the global made before main, and whether the empty strings were ready.
+bool EarlyStringsWorked() {
+  return g_early.narrow.Compare("made before main") == 0 && g_early.wide != nullptr &&
+         g_early.wide->Compare(KA_W("wide, before main")) == 0 && g_early.nullWasEmpty;
+}

@@ -4,16 +4,9 @@
 #include <gtest/gtest.h>
 #include <kalbor/kalbor.h>
 
-const Ka_AString& EarlyNarrow();
-const Ka_WString* EarlyWide();
-bool EarlyNullWasEmpty();
+bool EarlyStringsWorked();
 
-TEST(StringStaticOrder, AGlobalOfAnotherUnitMadeStringsBeforeMain) {
-  EXPECT_STREQ(static_cast<const char*>(EarlyNarrow()), "made before main");
-  ASSERT_NE(EarlyWide(), nullptr);
-  EXPECT_EQ(EarlyWide()->Compare(KA_W("wide, before main")), 0);
-  EXPECT_TRUE(EarlyNullWasEmpty());
-}
+TEST(StringStaticOrder, AGlobalOfAnotherUnitMadeStringsBeforeMain) { EXPECT_TRUE(EarlyStringsWorked()); }
 
 int main(int argc, char** argv) {
   ::testing::InitGoogleTest(&argc, argv);

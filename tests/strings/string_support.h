@@ -1,6 +1,6 @@
 // Helpers for the string tests: texts of either width written as bytes, a
-// reading of what a string holds, the class invariant, and a runner that
-// makes each edit of a table on a private text and on a shared one.
+// reading of what a string holds, and a runner that makes each edit of a
+// table on a private text and on a shared one, checking the class invariant.
 #ifndef KALBOR_TESTS_STRINGS_STRING_SUPPORT_H
 #define KALBOR_TESTS_STRINGS_STRING_SUPPORT_H
 
@@ -39,6 +39,8 @@ std::string Text(const S& s) {
   return p != nullptr ? std::string(p, p + s.GetLength()) : std::string();
 }
 
+inline int Sign(int v) { return (v > 0) - (v < 0); }
+
 // The reference count of s's block; 0 for the null string.
 template <class S>
 int Refs(const S& s) {
@@ -50,16 +52,6 @@ template <class S>
 Ka_ListObjHandler& HandlerOf() {
   return std::is_same<S, Ka_AString>::value ? static_cast<Ka_ListObjHandler&>(Ka_AString::_KaAStringHandler)
                                             : Ka_WString::_KaWStringHandler;
-}
-
-// The class invariant: null, or a counted block whose length fits its
-// capacity and whose text is followed by a zero.
-template <class S>
-void ExpectWellFormed(const S& s) {
-  const CharOf<S>* p = s;
-  EXPECT_TRUE(p == nullptr ? s.GetAllocLength() == 0
-                           : Refs(s) >= 1 && s.GetLength() <= s.GetAllocLength() && p[s.GetLength()] == 0)
-      << "broken string: length " << s.GetLength() << ", capacity " << s.GetAllocLength();
 }
 
 // One row: the text before, the edit on `s`, the text after, the edit's
@@ -83,7 +75,12 @@ void RunEdits(const std::vector<EditRow<S>>& rows) {
       const int result = r.edit(s);
       EXPECT_EQ(Text(s), r.after);
       EXPECT_TRUE(result == INT_MIN || result == r.result) << result;
-      ExpectWellFormed(s);
+      // The class invariant: null, or a counted block whose length fits its
+      // capacity and whose text is followed by a zero.
+      const CharOf<S>* p = s;
+      EXPECT_TRUE(p == nullptr ? s.GetAllocLength() == 0
+                               : Refs(s) >= 1 && s.GetLength() <= s.GetAllocLength() && p[s.GetLength()] == 0)
+          << "broken string: length " << s.GetLength() << ", capacity " << s.GetAllocLength();
       EXPECT_EQ(Text(other), !shared ? "" : r.through ? r.after : r.before) << "the edit and another owner";
     }
   }
