@@ -10,7 +10,6 @@
 #include <kalbor/kalbor.h>
 
 #include <functional>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -25,6 +24,13 @@ class CountingHandler : public Ka_ListObjHandler {
   int live = 0;
 };
 
+// Text of the width of the string class S, one character per byte.
+template <class S>
+std::basic_string<typename S::Traits::Char> Chars(const std::string& bytes) {
+  const unsigned char* b = reinterpret_cast<const unsigned char*>(bytes.data());
+  return std::basic_string<typename S::Traits::Char>(b, b + bytes.size());
+}
+
 // "count:item,item,..." ("~": an empty position), one byte per character.
 template <class Item = Ka_AString>
 std::string Show(const Ka_ObjList& l, char separator = ',') {
@@ -38,13 +44,14 @@ std::string Show(const Ka_ObjList& l, char separator = ',') {
 }
 inline std::string Show(const Ka_WStrList& l, char separator = ',') { return Show<Ka_WString>(l, separator); }
 
-// Appends "a,~,b" ("~": an empty position; "": nothing) by position, sorted
-// list or not.
-inline void Fill(Ka_ObjList& l, const std::string& items) {
-  std::istringstream in(items);
-  for (std::string item; std::getline(in, item, ',');) {
-    Ka_AString value(item.c_str());
-    l.InsertItem(l.Count(), item == "~" ? nullptr : &value);
+// Appends the Item strings "a,~,b" ("~": an empty position; "": nothing) by
+// position, sorted list or not.
+template <class Item = Ka_AString>
+void Fill(Ka_ObjList& l, const std::string& items) {
+  for (size_t at = 0, end = 0; !items.empty() && end != std::string::npos; at = end + 1) {
+    end = items.find(',', at);
+    Item value(Chars<Item>(items.substr(at, end - at)).c_str());
+    l.InsertItem(l.Count(), items.compare(at, end - at, "~") == 0 ? nullptr : &value);
   }
 }
 
@@ -67,9 +74,9 @@ inline void RunEdits(int sorted, const std::vector<EditRow>& rows) {
         if (how == 1) other = l;
         for (int i = 0; how == 2 && i < l.Count(); ++i) other.AddLinkItem(l.GetItem(i));
         const std::string before = Show(other);
-        EXPECT_EQ(r.edit(l), r.result);
-        EXPECT_EQ(Show(l), r.after);
-        EXPECT_EQ(l.Validate(), 1);
+        const long result = r.edit(l);
+        EXPECT_EQ(std::to_string(result) + " " + Show(l) + (l.Validate() == 1 ? "" : " (invalid)"),
+                  std::to_string(r.result) + " " + r.after);
         EXPECT_EQ(Show(other), before) << "the edit reached the other list";
       }
       EXPECT_EQ(handler.live, 0) << "items leaked or freed twice";
