@@ -4,6 +4,7 @@
 // trips of arbitrary text are the decode fuzz target's). The rules in which
 // the widths differ come last.
 #include <cstdio>
+#include <map>
 #include <random>
 #include <string>
 #include <vector>
@@ -16,7 +17,6 @@ template <class S>
 class Escape : public ::testing::Test {};
 TYPED_TEST_SUITE(Escape, BothWidths);
 
-struct TextRow { std::string text, result; };  // a text and what a member makes of it
 
 // DecodeUrl of S's width read from its contract: "%" and the two characters
 // after it give the byte high x 16 + low, a digit being its code minus '0'
@@ -71,49 +71,44 @@ TYPED_TEST(Escape, QuotingAndUnquotingFollowTheirRulesOnEveryShortText) {
   }
 }
 
-TYPED_TEST(Escape, XmlEncodingEscapesMarkupBlanksAndLineEndsAndDecodingReadsEntities) {
+TYPED_TEST(Escape, XmlDecodingReadsEntities) {
   typedef TypeParam S;
-  const TextRow rows[] = {
-      {"", ""},                                                 //
-      {"<&>\"'", "&lt;&amp;&gt;&quot;&apos;"},                  //
-      {" \t\n\r", "&#32;&#9;&#10;&#13;"},                       // blanks, tabs and line ends too (deliberate)
-      {std::string("x\0\x7F", 3), std::string("x\0\x7F", 3)},  // other characters are copied
-  };
-  for (const TextRow& r : rows) EXPECT_EQ(Text(Make<S>(r.text).EncodeXml()), r.result) << r.text;
   // The five names decode back from the encoder's output in the decode fuzz target.
-  const TextRow decodings[] = {
-      {"&LT;&Amp;", "&LT;&Amp;"},          // case sensitive: unknown entities are text
-      {"&amp;lt;", "&lt;"},                // decoded once
-      {"&", "&"},                          // "&" at the end
-      {"&#65", "&#65"},                    // no ";" after it: text
-      {"&#65;&#X4a;", "AJ"},               // decimal and hex
-      {"&#x30;&#x19;", "\x03\x01"},        // "0" and "9" end the number (deliberate)
-      {"&#65 and;b", "Ab"},                // digits up to another character; the first ";" ends the entity
-      {"&# +66;", "B"},                    // leading blanks and a sign, as atoi reads
-      {"&#4294967361;", "A"},              // the low 16 bits, however large (2^32 + 65)
+  const struct { std::string text, result; } decodings[] = {
+      {"&LT;&Amp;|&#65|&", "&LT;&Amp;|&#65|&"},  // case sensitive: unknown entities, "&#" without ";" and a last "&" are text
+      {"&amp;lt;", "&lt;"},                      // decoded once
+      {"&#65;&#X4a;&#x30;&#x19;", "AJ\x03\x01"},  // decimal and hex, where "0" and "9" end the number (deliberate)
+      {"&#65 and;b", "Ab"},                      // digits up to another character; the first ";" ends the entity
+      {"&# +66;&#4294967361;", "BA"},            // leading blanks and a sign, as atoi reads; the low 16 bits (2^32 + 65)
       {"x&#;y", "x"},                      // no digits: 0, which ends the text
       {std::string("a\0&lt;", 6), "a"},    // a zero in the text ends the result
   };
-  for (const TextRow& r : decodings) EXPECT_EQ(Text(Make<S>(r.text).DecodeXml()), r.result) << r.text;
+  for (const auto& r : decodings) EXPECT_EQ(Text(Make<S>(r.text).DecodeXml()), r.result) << r.text;
 }
 
-TYPED_TEST(Escape, UrlEncodingKeepsItsSetAndEveryMemberSharesUnchangedText) {
+TYPED_TEST(Escape, EncodersKeepTheirSetsAndEveryMemberSharesUnchangedText) {
   typedef TypeParam S;
-  EXPECT_EQ(S().EncodeUrl().GetData(), nullptr);
+  EXPECT_TRUE(S().EncodeUrl().GetData() == nullptr && S().EncodeXml().GetData() == nullptr);
   const S plain = Make<S>("kept.as(is)");  // nothing to quote, escape or decode: every member shares it
   const std::vector<const void*> results = {plain.UnQuoteStr().GetData(), plain.EncodeXml().GetData(),
                                             plain.DecodeXml().GetData(), plain.EncodeUrl().GetData(),
                                             plain.DecodeUrl().GetData()};
   EXPECT_EQ(results, std::vector<const void*>(5, plain.GetData()));
-  // Every ASCII character alone: kept, or "%" and its code ("-" and "~" too,
-  // deliberately; "<" and ">" lie just past the kept run "0" to ";").
+  // Every ASCII character alone. URL: kept, or "%" and its code ("-" and "~"
+  // too, deliberately; "<" and ">" lie just past the kept run "0" to ";").
+  // XML: markup, and blanks, tabs and line ends too (deliberate), as
+  // entities; other characters copied, a zero inside the text too.
   const std::string kept = "0123456789:;ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz$_.!*'()";
+  const std::map<char, std::string> entities = {{'<', "&lt;"},  {'&', "&amp;"}, {'>', "&gt;"},  {'"', "&quot;"}, {'\'', "&apos;"},
+                                                {' ', "&#32;"}, {'\t', "&#9;"}, {'\n', "&#10;"}, {'\r', "&#13;"}};
   for (int c = 1; c < 128; ++c) {
     char escaped[4];
     std::snprintf(escaped, sizeof escaped, "%%%02X", c);
     const std::string one(1, static_cast<char>(c));
     EXPECT_EQ(Text(Make<S>(one).EncodeUrl()), kept.find(one) != std::string::npos ? one : escaped) << c;
+    EXPECT_EQ(Text(Make<S>(one).EncodeXml()), entities.count(one[0]) != 0 ? entities.at(one[0]) : one) << c;
   }
+  EXPECT_EQ(Text(Make<S>(std::string("x\0<", 3)).EncodeXml()), std::string("x\0&lt;", 6));
 }
 
 TYPED_TEST(Escape, DecodersReadAtMostNCharactersAndUrlPairsFollowTheirRule) {
@@ -144,16 +139,14 @@ TYPED_TEST(Escape, DecodersReadAtMostNCharactersAndUrlPairsFollowTheirRule) {
 // ---- Where the widths differ ------------------------------------------------------
 
 TEST(EscapeWidths, NumericEntitiesAndWideUrlTextGoThroughTheLocaleCodePage) {
+  // Narrow: the backquote is the hex digit 9 (deliberate), -191 is U+FF41.
+  // Wide: one unit each, and no backquote digit, so 0 ends the text.
+  // EncodeUrl of wide text converts it up to its first zero.
   const unsigned int previous = KaSetLocaleCP(65001);
-  EXPECT_EQ(Text(Ka_AString("&#233;&#44032;").DecodeXml()), "\xC3\xA9\xEA\xB0\x80");
-  EXPECT_EQ(Text(Ka_AString("&#x`;").DecodeXml()), "\t") << "the backquote is 9 (deliberate)";
-  EXPECT_EQ(Text(Ka_AString("&#-191;").DecodeXml()), "\xEF\xBD\x81") << "-191 is U+FF41";
-  EXPECT_EQ(Ka_WString(KA_W("&#233;&#44032;&#-191;&#xACef;")).DecodeXml().Compare(KA_W("\u00E9\uAC00\uFF41\uACEF")), 0);
-  EXPECT_EQ(Ka_WString(KA_W("&#x`;")).DecodeXml().GetLength(), 0) << "no backquote digit: 0 ends the text";
-  EXPECT_EQ(Text(Ka_WString(KA_W("\u00E9 \uAC00")).EncodeUrl()), "%C3%A9%20%EA%B0%80");
-  EXPECT_EQ(Text(Make<Ka_WString>(std::string("a\0b", 3)).EncodeUrl()), "a") << "converted up to the zero";
+  EXPECT_EQ(Text(Ka_AString("&#233;&#44032;&#x`;&#-191;").DecodeXml()), "\xC3\xA9\xEA\xB0\x80\t\xEF\xBD\x81");
+  EXPECT_EQ(Ka_WString(KA_W("&#233;&#44032;&#-191;&#xACef;&#x`;z")).DecodeXml().Compare(KA_W("\u00E9\uAC00\uFF41\uACEF")), 0);
+  EXPECT_EQ(Text(Ka_WString(KA_W("\u00E9 \uAC00\0b"), 5).EncodeUrl()), "%C3%A9%20%EA%B0%80");
   KaSetLocaleCP(1252);
-  EXPECT_EQ(Text(Ka_AString("&#233;&#8364;").DecodeXml()), "\xE9\x80");
   EXPECT_EQ(Text(Ka_WString(KA_W("\u00E9-")).EncodeUrl()), "%E9%2D");
   KaSetLocaleCP(previous);
 }

@@ -5,10 +5,9 @@
 
 namespace {
 struct EarlyBuffers {
-  Ka_Buffer bytes;
-  Ka_ObjBufData* slot;
-  EarlyBuffers() : bytes(reinterpret_cast<const unsigned char*>("before main"), 11) {
-    slot = Ka_Buffer::_KaBufferHandler.GetPool().Alloc();
+  Ka_Buffer bytes{reinterpret_cast<const unsigned char*>("before main"), 11};
+  Ka_ObjBufData* slot = Ka_Buffer::_KaBufferHandler.GetPool().Alloc();
+  EarlyBuffers() {
     if (slot != nullptr) Ka_Buffer::_KaBufferHandler._InitItem(slot->object());
   }
   ~EarlyBuffers() {
@@ -27,5 +26,7 @@ struct EarlyBuffers {
 EarlyBuffers g_early;
 }  // namespace
 
-const Ka_Buffer& EarlyBytes() { return g_early.bytes; }
-bool EarlySlotTaken() { return g_early.slot != nullptr; }
+// What the global made before main: its bytes and a slot of the handler's pool.
+bool EarlyBuffersWorked() {
+  return Ka_AString(static_cast<const char*>(g_early.bytes)).Compare("before main") == 0 && g_early.slot != nullptr;
+}

@@ -4,13 +4,9 @@
 #include <gtest/gtest.h>
 #include <kalbor/kalbor.h>
 
-const Ka_Buffer& EarlyBytes();
-bool EarlySlotTaken();
+bool EarlyBuffersWorked();
 
-TEST(BufferStaticOrder, AGlobalOfAnotherUnitMadeBuffersBeforeMain) {
-  EXPECT_STREQ(static_cast<const char*>(EarlyBytes()), "before main");
-  EXPECT_TRUE(EarlySlotTaken());
-}
+TEST(BufferStaticOrder, AGlobalOfAnotherUnitMadeBuffersBeforeMain) { EXPECT_TRUE(EarlyBuffersWorked()); }
 
 int main(int argc, char** argv) {
   ::testing::InitGoogleTest(&argc, argv);
