@@ -33,7 +33,7 @@ namespace {
 // Seconds since 1970 of a broken-down local date and time, by the proleptic
 // Gregorian calendar (no time zone: both sides of a comparison are local).
 long long LocalSeconds(int year, int month, int day, int hour, int minute, int second) {
-  return DaysFromCivil(year, month, day) * 86400 + hour * 3600 + minute * 60 + second;
+  return (DayNumber(year, month, day) - DayNumber(1970, 1, 1)) * 86400 + hour * 3600 + minute * 60 + second;
 }
 
 // What the system says by its own routes: its ANSI code page, the calling
