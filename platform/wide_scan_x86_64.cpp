@@ -39,9 +39,13 @@ struct Sse2Units {
   static unsigned Mask(Vector x) { return static_cast<unsigned>(_mm_movemask_epi8(x)); }
 };
 
-bool HaveAvx2() {
-  __builtin_cpu_init();  // the library may run before the runtime's own initialisers
-  return __builtin_cpu_supports("avx2") != 0;
+// Whether the processor has AVX2, asked once for every scan.
+bool UseAvx2() {
+  static const bool avx2 = [] {
+    __builtin_cpu_init();  // the library may run before the runtime's own initialisers
+    return __builtin_cpu_supports("avx2") != 0;
+  }();
+  return avx2;
 }
 
 }  // namespace
@@ -52,8 +56,7 @@ KA_WHOLE_BLOCK_READS size_t WideLength(const uint16_t* s) {
     while (*p != 0) ++p;
     return static_cast<size_t>(p - s);
   }
-  static const bool avx2 = HaveAvx2();
-  return avx2 ? WideLengthAvx2(s) : LengthIn<Sse2Units>(s);
+  return UseAvx2() ? WideLengthAvx2(s) : LengthIn<Sse2Units>(s);
 }
 
 KA_WHOLE_BLOCK_READS size_t WideLengthUpTo(const uint16_t* s, size_t limit) {
@@ -87,8 +90,7 @@ KA_WHOLE_BLOCK_READS const uint16_t* WideFindPair(const uint16_t* s, uint16_t a,
       if (p[0] == a && p[1] == b) return p;
     return nullptr;
   }
-  static const bool avx2 = HaveAvx2();  // the same answer as WideLength's
-  return avx2 ? WideFindPairAvx2(s, a, b) : FindPairIn<Sse2Units>(s, a, b);
+  return UseAvx2() ? WideFindPairAvx2(s, a, b) : FindPairIn<Sse2Units>(s, a, b);
 }
 
 }  // namespace ka_platform
